@@ -1,0 +1,74 @@
+# The one place that knows how a folder becomes a target: language level, warnings, sanitizers,
+# visibility and precompiled headers are the same everywhere.
+
+option(VORLA_WERROR "Treat warnings as errors (continuous integration does)" OFF)
+set(VORLA_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined")
+
+function(vorla_configure_target target)
+  set_target_properties(${target} PROPERTIES
+    CXX_STANDARD 20 CXX_STANDARD_REQUIRED ON CXX_EXTENSIONS OFF
+    CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON
+    POSITION_INDEPENDENT_CODE ON)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -fno-omit-frame-pointer)
+  if(VORLA_WERROR)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+  if(VORLA_SANITIZE)
+    target_compile_options(${target} PRIVATE -fsanitize=${VORLA_SANITIZE} -fno-sanitize-recover=all)
+    target_link_options(${target} PRIVATE -fsanitize=${VORLA_SANITIZE})
+  endif()
+endfunction()
+
+# vorla_add_library(name SOURCES ... DEPENDS ... [QT])
+# A static library for one folder. Its DEPENDS are the folders (and outside libraries) below it;
+# linking is what grants the right to include. QT marks a folder that may include Qt headers.
+function(vorla_add_library name)
+  cmake_parse_arguments(ARG "QT" "" "SOURCES;DEPENDS;PRIVATE_DEPENDS" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  vorla_configure_target(${name})
+  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${name} PUBLIC ${ARG_DEPENDS} PRIVATE ${ARG_PRIVATE_DEPENDS})
+  if(ARG_QT)
+    target_link_libraries(${name} PUBLIC Qt6::Widgets)
+    target_compile_definitions(${name} PUBLIC QT_NO_KEYWORDS QT_NO_CAST_TO_ASCII)
+    if(TARGET vorla_qt_pch)
+      target_precompile_headers(${name} REUSE_FROM vorla_qt_pch)
+    endif()
+  endif()
+endfunction()
+
+# vorla_add_program(name SOURCES ... DEPENDS ... [QT])
+function(vorla_add_program name)
+  cmake_parse_arguments(ARG "QT" "" "SOURCES;DEPENDS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  vorla_configure_target(${name})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${name} PRIVATE ${ARG_DEPENDS})
+  if(ARG_QT)
+    target_link_libraries(${name} PRIVATE Qt6::Widgets)
+    target_compile_definitions(${name} PRIVATE QT_NO_KEYWORDS QT_NO_CAST_TO_ASCII)
+  endif()
+endfunction()
+
+# vorla_add_test(name SOURCES ... DEPENDS ... [QT] [DISPLAY])
+# A GoogleTest program run as one CTest entry. DISPLAY runs it on a private X server with a window
+# manager (tests/support/with-display).
+function(vorla_add_test name)
+  cmake_parse_arguments(ARG "QT;DISPLAY" "TIMEOUT" "SOURCES;DEPENDS" ${ARGN})
+  set(qt "")
+  if(ARG_QT)
+    set(qt QT)
+  endif()
+  vorla_add_program(${name} SOURCES ${ARG_SOURCES} DEPENDS ${ARG_DEPENDS} GTest::gmock ${qt})
+  if(ARG_DISPLAY)
+    add_test(NAME ${name}
+      COMMAND ${PROJECT_SOURCE_DIR}/tests/support/with-display $<TARGET_FILE:${name}>)
+  else()
+    add_test(NAME ${name} COMMAND ${name})
+  endif()
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 300)
+  endif()
+  set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT}
+    ENVIRONMENT "QT_QPA_PLATFORM=$<IF:$<BOOL:${ARG_DISPLAY}>,xcb,offscreen>;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0;UBSAN_OPTIONS=print_stacktrace=1")
+endfunction()

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <memory>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <string_view>
+
+namespace vorla {
+
+/// Facts about the framework as it is installed: its resource directory and the information
+/// dictionary in it, "Info.json".
+///
+/// The resource directory is found from where the library (or the program that it is linked into)
+/// was loaded: `../share/VorlaFramework` beside it. Without the file the dictionary is empty and
+/// every value reads as absent. Any thread.
+class Bundle {
+ public:
+    static Bundle& framework();
+
+    ~Bundle();
+    Bundle(const Bundle&) = delete;
+    Bundle& operator=(const Bundle&) = delete;
+
+    /// Directory of the resources, without a trailing slash.
+    [[nodiscard]] std::string resourcePath() const;
+
+    /// The path of a resource file, or empty when there is no such file.
+    [[nodiscard]] std::string pathForResource(std::string_view name) const;
+
+    /// A value of the information dictionary as text (numbers in decimal), or empty when absent.
+    [[nodiscard]] std::string infoString(std::string_view key) const;
+    /// The value as it stands in the dictionary; null when absent.
+    [[nodiscard]] nlohmann::json infoValue(std::string_view key) const;
+
+    /// Lays a value over the dictionary for the life of the process: a host product's build differs
+    /// from the plain one in such values ("SupplyID", service addresses).
+    void setInfoString(std::string_view key, std::string value);
+
+    /// The user-interface text for a key in the user's preferred language; the key itself when
+    /// there is none. The tables are `<language>.lproj/Localizable.json`.
+    [[nodiscard]] std::string localizedString(std::string_view key) const;
+
+    /// Looks for the resources in another place (tests with broken or missing ones).
+    void setResourcePath(std::string path);
+
+ private:
+    Bundle();
+    struct State;
+    std::unique_ptr<State> state_;
+    template <typename T>
+    friend class NoDestructor;
+};
+
+/// Who the host is. Any thread.
+class HostIdentity {
+ public:
+    /// The name that users know the host by: what was set, else the program's file name.
+    static std::string displayName();
+    static void setDisplayName(std::string name);
+
+    /// The program's file name with everything but letters, digits, ".", "-" and "_" replaced by
+    /// "_": safe as part of a path, and the same at every start.
+    static std::string fileName();
+};
+
+/// The first of the user's preferred languages as a language tag, "en" or "zh-Hans" for instance
+/// ("en" when the locale says nothing). Read from the LANGUAGE, LC_ALL, LC_MESSAGES and LANG
+/// variables in the order that gettext documents.
+std::string preferredLanguage();
+
+}  // namespace vorla

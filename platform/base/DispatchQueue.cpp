@@ -1,0 +1,68 @@
+#include "platform/base/DispatchQueue.h"
+
+#include <pthread.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <asio/post.hpp>
+#include <asio/thread_pool.hpp>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <utility>
+
+#include "platform/base/raii.h"
+
+namespace vorla {
+
+struct DispatchQueue::State {
+    std::string label;
+    unsigned threads;
+    std::mutex mutex;
+    std::optional<asio::thread_pool> pool;
+
+    asio::thread_pool& runningPool() {
+        const std::lock_guard lock(mutex);
+        if (pool) return *pool;
+        // The host's signals belong to the host's threads: ours are born with all of them blocked
+        // but those that a thread raises by its own fault.
+        sigset_t blocked;
+        sigset_t previous;
+        sigfillset(&blocked);
+        for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT, SIGSYS})
+            sigdelset(&blocked, fault);
+        pthread_sigmask(SIG_SETMASK, &blocked, &previous);
+        pool.emplace(threads);
+        pthread_sigmask(SIG_SETMASK, &previous, nullptr);
+        return *pool;
+    }
+};
+
+DispatchQueue::DispatchQueue(std::string label) : DispatchQueue(std::move(label), 1) {}
+
+DispatchQueue::DispatchQueue(std::string label, unsigned threads)
+    : state_(std::make_unique<State>()) {
+    state_->label = std::move(label);
+    state_->threads = threads;
+}
+
+DispatchQueue::~DispatchQueue() {
+    if (state_->pool) state_->pool->stop();
+}
+
+DispatchQueue& DispatchQueue::global() {
+    static NoDestructor<DispatchQueue> instance("vorla-global",
+                                                std::max(2U, std::thread::hardware_concurrency()));
+    return *instance;
+}
+
+void DispatchQueue::async(Task task) {
+    asio::post(state_->runningPool(), [task = std::move(task), label = state_->label] {
+        thread_local bool named = false;
+        if (!std::exchange(named, true))
+            pthread_setname_np(pthread_self(), label.substr(0, 15).c_str());
+        task();
+    });
+}
+
+}  // namespace vorla

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace vorla {
+
+/// Background work. A queue starts its threads with the first task, so one that is never used costs
+/// nothing. Tasks must not throw.
+///
+/// The global queue lives until the process ends and is never joined: an exiting host does not wait
+/// for unfinished tasks, and tasks must therefore only touch objects that they hold themselves or
+/// that are never destroyed. Any thread.
+class DispatchQueue {
+ public:
+    using Task = std::function<void()>;
+
+    /// A queue with one thread of its own, named `label` (15 bytes of it show in debuggers): tasks
+    /// run one after the other. Destroying it lets the running task finish and drops the rest.
+    explicit DispatchQueue(std::string label);
+    ~DispatchQueue();
+    DispatchQueue(const DispatchQueue&) = delete;
+    DispatchQueue& operator=(const DispatchQueue&) = delete;
+
+    /// The process-wide concurrent queue, with a thread for each processor, two at least.
+    static DispatchQueue& global();
+
+    void async(Task task);
+
+ private:
+    DispatchQueue(std::string label, unsigned threads);
+    struct State;
+    std::unique_ptr<State> state_;
+    template <typename T>
+    friend class NoDestructor;
+};
+
+}  // namespace vorla

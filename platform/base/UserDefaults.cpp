@@ -1,0 +1,130 @@
+#include "platform/base/UserDefaults.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
+#include <ctime>
+#include <map>
+#include <mutex>
+#include <nlohmann/json.hpp>
+
+#include "platform/base/Bundle.h"
+#include "platform/base/VLLog.h"
+#include "platform/base/files.h"
+#include "platform/base/raii.h"
+
+namespace vorla {
+namespace {
+
+using nlohmann::json;
+
+/// What tells one version of a file from another: each is a new file renamed into place.
+struct FileIdentity {
+    ino_t inode = 0;
+    timespec modified = {};
+    off_t size = -1;
+
+    static FileIdentity of(const std::string& path) {
+        struct stat facts = {};
+        if (::stat(path.c_str(), &facts) != 0) return {};
+        return {facts.st_ino, facts.st_mtim, facts.st_size};
+    }
+    friend bool operator==(const FileIdentity& a, const FileIdentity& b) {
+        return a.inode == b.inode && a.size == b.size && a.modified.tv_sec == b.modified.tv_sec &&
+               a.modified.tv_nsec == b.modified.tv_nsec;
+    }
+};
+
+std::optional<UserDefaults::Value> valueOf(const json& stored) {
+    if (stored.is_boolean()) return stored.get<bool>();
+    if (stored.is_number_integer()) return stored.get<int64_t>();
+    if (stored.is_number_float()) return stored.get<double>();
+    if (stored.is_string()) return stored.get<std::string>();
+    return std::nullopt;
+}
+
+json readObject(const std::string& path) {
+    json object = json::parse(readFile(path).value_or(""), nullptr, false);
+    return object.is_object() ? object : json::object();
+}
+
+}  // namespace
+
+struct UserDefaults::State {
+    std::string path;
+    std::mutex mutex;
+    json stored = json::object();
+    FileIdentity identity;
+    /// Written here and not yet in the file; a null value stands for a removed key.
+    std::map<std::string, json, std::less<>> unsaved;
+
+    void refresh() {
+        const FileIdentity now = FileIdentity::of(path);
+        if (now == identity) return;
+        stored = readObject(path);
+        identity = now;
+    }
+
+    bool save() {
+        const std::string folder = path.substr(0, path.find_last_of('/'));
+        if (!createDirectories(folder, 0700)) return false;
+        const UniqueFd lock(::open((path + ".lock").c_str(), O_CREAT | O_RDWR | O_CLOEXEC, 0600));
+        if (!lock || ::flock(lock.get(), LOCK_EX) != 0) return false;
+        json merged = readObject(path);
+        for (const auto& [key, value] : unsaved) {
+            if (value.is_null())
+                merged.erase(key);
+            else
+                merged[key] = value;
+        }
+        const std::string text = merged.dump(2, ' ', false, json::error_handler_t::replace) + "\n";
+        if (!writeFileAtomically(path, text, 0600)) return false;
+        stored = std::move(merged);
+        identity = FileIdentity::of(path);
+        unsaved.clear();
+        return true;
+    }
+};
+
+UserDefaults::UserDefaults(std::string path) : state_(std::make_unique<State>()) {
+    state_->path = std::move(path);
+}
+
+UserDefaults::~UserDefaults() = default;
+
+UserDefaults& UserDefaults::standardUserDefaults() {
+    static NoDestructor<UserDefaults> instance(configHome() + "/VorlaFramework/" +
+                                               HostIdentity::fileName() + ".json");
+    return *instance;
+}
+
+std::optional<UserDefaults::Value> UserDefaults::objectForKey(std::string_view key) {
+    const std::lock_guard lock(state_->mutex);
+    if (const auto pending = state_->unsaved.find(key); pending != state_->unsaved.end())
+        return valueOf(pending->second);
+    state_->refresh();
+    const auto found = state_->stored.find(std::string(key));
+    return found == state_->stored.end() ? std::nullopt : valueOf(*found);
+}
+
+void UserDefaults::setObject(std::string_view key, Value value) {
+    const std::lock_guard lock(state_->mutex);
+    state_->unsaved[std::string(key)] = std::visit([](auto&& v) { return json(v); }, value);
+}
+
+void UserDefaults::removeObjectForKey(std::string_view key) {
+    const std::lock_guard lock(state_->mutex);
+    state_->unsaved[std::string(key)] = nullptr;
+}
+
+bool UserDefaults::synchronize() {
+    const std::lock_guard lock(state_->mutex);
+    if (state_->unsaved.empty() || state_->save()) return true;
+    VLLog("cannot write preferences %s: %s", state_->path.c_str(), std::strerror(errno));
+    return false;
+}
+
+}  // namespace vorla

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <variant>
+
+namespace vorla {
+
+/// The user's persistent preferences for this host: a flat map from key to value, kept as one JSON
+/// object in a file.
+///
+/// A write takes effect in this object at once and reaches the file with `synchronize`, which
+/// merges just the keys written here into what the file holds then, under a lock on a neighbouring
+/// file: two processes never lose each other's keys, and a crash leaves the old file or the new
+/// one. A read sees what another process has stored since. A file that cannot be parsed counts as
+/// empty and is replaced by the next write; one that cannot be written is logged, and the values
+/// last as long as the process. Any thread.
+class UserDefaults {
+ public:
+    using Value = std::variant<bool, int64_t, double, std::string>;
+
+    /// Preferences in the given file; its directories are made by the first write.
+    explicit UserDefaults(std::string path);
+    ~UserDefaults();
+    UserDefaults(const UserDefaults&) = delete;
+    UserDefaults& operator=(const UserDefaults&) = delete;
+
+    /// The host's own: `VorlaFramework/<host name>.json` under the user's configuration directory.
+    static UserDefaults& standardUserDefaults();
+
+    [[nodiscard]] std::optional<Value> objectForKey(std::string_view key);
+    void setObject(std::string_view key, Value value);
+    void removeObjectForKey(std::string_view key);
+
+    /// Writes what was set since the last call. False (and a log line) when the file cannot be
+    /// written; the values are then tried again by the next call.
+    bool synchronize();
+
+ private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+}  // namespace vorla

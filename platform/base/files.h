@@ -1,0 +1,39 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace vorla {
+
+/// The whole file, or nothing when it cannot be read (errno says why).
+std::optional<std::string> readFile(const std::string& path);
+
+/// Replaces a file so that a reader, or the next start after a crash, sees the old bytes or the new
+/// ones and never a mixture: writes a temporary neighbour, then renames it. `mode` is the new
+/// file's permission. On failure gives false with errno set; the old file is untouched and nothing
+/// is left behind.
+bool writeFileAtomically(const std::string& path, std::string_view bytes, mode_t mode = 0644);
+
+/// Creates a directory and the missing ones above it, new ones with `mode`. True if it is there
+/// afterwards.
+bool createDirectories(const std::string& path, mode_t mode = 0755);
+
+/// `path` with a leading "~" or "~/" replaced by the user's home directory.
+std::string expandTilde(const std::string& path);
+
+/// The user's home directory, without a trailing slash.
+std::string homeDirectory();
+
+/// Per-user directories of the XDG base directory specification (version 0.8), each with its
+/// documented fallback under the home directory; relative values are ignored as it demands.
+std::string configHome();
+std::string dataHome();
+
+/// The user's desktop folder as told by the user-dirs configuration, else "Desktop" in the home
+/// directory.
+std::string desktopDirectory();
+
+}  // namespace vorla
