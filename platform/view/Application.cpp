@@ -1,0 +1,75 @@
+#include "platform/view/Application.h"
+
+#include <QApplication>
+#include <QThread>
+#include <QTimer>
+#include <memory>
+
+#include "platform/base/Bundle.h"
+#include "platform/base/MainQueue.h"
+#include "platform/base/VLLog.h"
+
+namespace vorla {
+namespace {
+
+/// Runs the main queue's tasks on the toolkit's event loop.
+class EventLoopBackend : public MainQueue::Backend {
+ public:
+    void post(std::chrono::milliseconds delay, MainQueue::Task task) override {
+        if (!qApp) return;
+        if (delay.count() <= 0) {
+            QMetaObject::invokeMethod(qApp, std::move(task), Qt::QueuedConnection);
+            return;
+        }
+        QMetaObject::invokeMethod(
+            qApp,
+            [delay, task = std::move(task)] {
+                QTimer::singleShot(delay, Qt::PreciseTimer, qApp, task);
+            },
+            Qt::QueuedConnection);
+    }
+};
+
+void detachFromApplication() {
+    MainQueue::setBackend(nullptr);
+}
+
+}  // namespace
+
+bool attachToApplication() {
+    if (!QCoreApplication::instance()) return false;
+    if (!qobject_cast<QApplication*>(QCoreApplication::instance())) {
+        VLLog("the host's application object has no widgets: captures need a QApplication");
+        return false;
+    }
+    if (QThread::currentThread() != qApp->thread()) {
+        VLLog("captures are started on the thread of the host's application object");
+        return false;
+    }
+    static const QCoreApplication* attached = nullptr;
+    if (attached != qApp) {
+        attached = qApp;
+        HostIdentity::setDisplayName(QGuiApplication::applicationDisplayName().toStdString());
+        MainQueue::setBackend(std::make_shared<EventLoopBackend>());
+        qAddPostRoutine([] {
+            attached = nullptr;
+            detachFromApplication();
+        });
+    }
+    return true;
+}
+
+bool ensureApplication() {
+    if (!QCoreApplication::instance()) {
+        static int argc = 1;
+        static std::string name = HostIdentity::displayName();
+        static char* argv[] = {name.data(), nullptr};
+        // Ends with the process: the toolkit's own clean-up at exit wants it to be destroyed then.
+        static std::unique_ptr<QApplication> application;
+        application = std::make_unique<QApplication>(argc, argv);
+        QGuiApplication::setQuitOnLastWindowClosed(false);
+    }
+    return attachToApplication();
+}
+
+}  // namespace vorla

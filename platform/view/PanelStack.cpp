@@ -1,0 +1,114 @@
+#include "platform/view/PanelStack.h"
+
+#include <QApplication>
+#include <QPointer>
+#include <QTimer>
+#include <QWindow>
+#include <algorithm>
+#include <optional>
+
+#include "platform/base/NotificationCenter.h"
+#include "platform/base/raii.h"
+#include "platform/view/VLPanel.h"
+#include "platform/view/X11Focus.h"
+
+namespace vorla {
+namespace {
+
+/// The focus passes through "nobody" whenever it goes from one window to another.
+constexpr int focusSettleMilliseconds = 30;
+/// A program that takes the keyboard back this often within the window of time is meant by the
+/// user.
+constexpr int patience = 8;
+constexpr int patienceMilliseconds = 2000;
+
+}  // namespace
+
+struct PanelStack::State {
+    std::vector<VLPanel*> panels;
+    QPointer<VLPanel> key;
+    std::optional<SavedFocus> focusBefore;
+    std::optional<ForeignWindowWatch> watch;
+    QMetaObject::Connection focusConnection;
+    QTimer settle;
+    QTimer forgive;
+    int stolen = 0;
+};
+
+PanelStack::PanelStack() : state_(std::make_unique<State>()) {
+    state_->settle.setSingleShot(true);
+    state_->settle.setInterval(focusSettleMilliseconds);
+    state_->forgive.setSingleShot(true);
+    state_->forgive.setInterval(patienceMilliseconds);
+    QObject::connect(&state_->settle, &QTimer::timeout, [this] { takeFocusBack(); });
+    QObject::connect(&state_->forgive, &QTimer::timeout, [this] { state_->stolen = 0; });
+}
+
+PanelStack::~PanelStack() = default;
+
+PanelStack& PanelStack::shared() {
+    static NoDestructor<std::unique_ptr<PanelStack>> instance(new PanelStack);
+    return **instance;
+}
+
+void PanelStack::add(VLPanel* panel) {
+    if (state_->panels.empty()) {
+        state_->focusBefore = SavedFocus::current();
+        state_->watch.emplace([this] { restack(); });
+        watchFocus();
+    }
+    std::erase(state_->panels, panel);
+    const auto above =
+        std::ranges::upper_bound(state_->panels, panel->level(), {}, &VLPanel::level);
+    state_->panels.insert(above, panel);
+    restack();
+}
+
+void PanelStack::remove(VLPanel* panel) {
+    if (std::erase(state_->panels, panel) == 0) return;
+    if (!state_->panels.empty()) {
+        if (state_->key == panel) makeKey(state_->panels.back());
+        return;
+    }
+    QObject::disconnect(state_->focusConnection);
+    state_->settle.stop();
+    state_->forgive.stop();
+    state_->stolen = 0;
+    state_->key.clear();
+    state_->watch.reset();
+    if (state_->focusBefore) state_->focusBefore->restore();
+    state_->focusBefore.reset();
+}
+
+void PanelStack::makeKey(VLPanel* panel) {
+    state_->key = panel;
+    panel->activateWindow();
+}
+
+void PanelStack::restack() {
+    for (VLPanel* panel : state_->panels) panel->raise();
+}
+
+void PanelStack::watchFocus() {
+    state_->focusConnection =
+        QObject::connect(qApp, &QGuiApplication::focusWindowChanged, [this](const QWindow* window) {
+            if (window)
+                state_->settle.stop();
+            else
+                state_->settle.start();
+        });
+}
+
+void PanelStack::takeFocusBack() {
+    if (!state_->key || QGuiApplication::focusWindow()) return;
+    if (!state_->forgive.isActive()) state_->forgive.start();
+    if (++state_->stolen > patience) {
+        state_->stolen = 0;
+        NotificationCenter::defaultCenter().post(NSApplicationWillResignActiveNotification);
+        return;
+    }
+    state_->key->activateWindow();
+    state_->settle.start();
+}
+
+}  // namespace vorla

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+class QWidget;
+class VLPanel;
+
+namespace vorla {
+
+/// Posted when another program keeps the keyboard although the key panel asked for it back several
+/// times: the user has left for another program.
+inline constexpr const char* NSApplicationWillResignActiveNotification =
+    "NSApplicationWillResignActiveNotification";
+/// Posted when the user hides the host while panels are up.
+inline constexpr const char* NSApplicationWillHideNotification =
+    "NSApplicationWillHideNotification";
+
+/// Keeps the shown panels in order and the keyboard with them. The order is by level, inside a
+/// level by showing; it is made again when a foreign window lands on top. Main thread only.
+class PanelStack {
+ public:
+    static PanelStack& shared();
+    ~PanelStack();
+    PanelStack(const PanelStack&) = delete;
+    PanelStack& operator=(const PanelStack&) = delete;
+
+    void add(VLPanel* panel);
+    void remove(VLPanel* panel);
+    /// Gives the keyboard to the panel and remembers it as the key panel.
+    void makeKey(VLPanel* panel);
+    /// Raises all panels, lowest level first.
+    void restack();
+
+ private:
+    PanelStack();
+    void watchFocus();
+    void takeFocusBack();
+
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+}  // namespace vorla

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <QWidget>
+#include <vector>
+
+#include "platform/base/geometry.h"
+#include "platform/view/VLMouseEvent.h"
+
+class QPainter;
+
+/// Base of everything that is drawn on a panel: a widget whose geometry, painting and events are in
+/// doubles with y upward.
+///
+/// The frame is in the superview's coordinates, the bounds begin at the zero point. A view is owned
+/// by its superview. Main thread only.
+class VLView : public QWidget {
+ public:
+    explicit VLView(VLRect frame = {}, QWidget* superview = nullptr);
+
+    [[nodiscard]] VLRect frame() const { return frame_; }
+    [[nodiscard]] VLRect bounds() const { return {0.0, 0.0, frame_.width, frame_.height}; }
+    void setFrame(VLRect frame);
+    void setFrameOrigin(VLPoint origin) { setFrame(VLRect::make(origin, frame_.size())); }
+
+    /// Takes ownership of `view` and shows it above its siblings unless it was hidden explicitly.
+    void addSubview(VLView* view);
+    void removeFromSuperview();
+
+    /// Schedules the view, or a rectangle of it in its own coordinates, for drawing.
+    void setNeedsDisplay() { update(); }
+    void setNeedsDisplayInRect(const VLRect& rect);
+
+    /// The rectangle grown to whole widget units, in the widget's own y-down coordinates.
+    [[nodiscard]] QRect widgetRect(const VLRect& rect) const;
+
+    [[nodiscard]] VLPoint convertPointFromWindow(VLPoint point) const;
+    [[nodiscard]] VLPoint convertPointToWindow(VLPoint point) const;
+
+    /// Device pixels per point of the screen that the view is on.
+    [[nodiscard]] double backingScale() const { return devicePixelRatioF(); }
+
+    /// Rounds a rectangle of this view inwards to whole device pixels.
+    [[nodiscard]] VLRect backingAlignedInward(const VLRect& rect) const {
+        return rect.alignedInward(backingScale());
+    }
+
+ protected:
+    /// Draws the part of the view that lies in `dirtyRect`. The painter is y-up and in the view's
+    /// coordinates; pictures and text are drawn with the helpers of drawing.h, which set them
+    /// upright. The default draws nothing.
+    virtual void drawRect(QPainter& painter, const VLRect& dirtyRect);
+
+    /// While `drawRect` runs: the rectangles that need drawing, in the view's coordinates.
+    [[nodiscard]] const std::vector<VLRect>& rectsBeingDrawn() const { return rectsBeingDrawn_; }
+
+    /// What the view does with the mouse. The defaults pass the event on to the superview and in
+    /// the end to the panel; an override that wants that too calls its base.
+    virtual void mouseDown(const VLMouseEvent& event);
+    virtual void mouseDragged(const VLMouseEvent& event);
+    virtual void mouseUp(const VLMouseEvent& event);
+    virtual void rightMouseDown(const VLMouseEvent& event);
+    virtual void mouseMoved(const VLMouseEvent& event);
+    /// The pointer came into or left the view's bounds, whichever of its subviews is under it.
+    virtual void mouseEntered(const VLMouseEvent& event);
+    virtual void mouseExited(const VLMouseEvent& event);
+
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+ private:
+    friend class VLPanel;
+    /// Fits the widget's whole-number geometry around the frame.
+    void deriveGeometry();
+    [[nodiscard]] QPointF widgetPoint(VLPoint point) const;
+    [[nodiscard]] VLPoint viewPoint(QPointF point) const;
+
+    VLRect frame_;
+    /// The view's lower left corner in the widget's coordinates.
+    QPointF originInWidget_;
+    std::vector<VLRect> rectsBeingDrawn_;
+    QMouseEvent* passedOn_ = nullptr;
+};
+
+/// Draws a view and everything in it by the views' ordinary drawing into a picture.
+///
+/// `rect` is in the view's coordinates and should be whole in device pixels of `scale`; the result
+/// holds rect's size times `scale` pixels and has `scale` as its device pixel ratio. Null for an
+/// empty rectangle.
+QImage renderViewTree(VLView& view, const VLRect& rect, double scale);

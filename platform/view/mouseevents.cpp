@@ -1,0 +1,88 @@
+#include "platform/view/mouseevents.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QStyleHints>
+#include <cmath>
+
+namespace vorla {
+namespace {
+
+/// Clicks are counted for the whole program: a pointer can be in one place only.
+class ClickCounter {
+ public:
+    int countOf(const QMouseEvent& press) {
+        const QPointF place = press.globalPosition();
+        const bool same =
+            press.timestamp() == time_ && press.button() == button_ && place == place_;
+        if (same && count_ > 0) return count_;
+        type_ = press.type();
+        const QStyleHints* hints = QGuiApplication::styleHints();
+        const auto interval = static_cast<quint64>(hints->mouseDoubleClickInterval());
+        const QPointF moved = place - place_;
+        const bool continues = press.button() == button_ && press.timestamp() - time_ <= interval &&
+                               std::abs(moved.x()) <= hints->mouseDoubleClickDistance() &&
+                               std::abs(moved.y()) <= hints->mouseDoubleClickDistance();
+        count_ = continues ? count_ + 1 : 1;
+        time_ = press.timestamp();
+        button_ = press.button();
+        place_ = place;
+        return count_;
+    }
+    [[nodiscard]] int current() const { return count_; }
+    [[nodiscard]] bool repeats(const QMouseEvent& event) const {
+        return event.type() == QEvent::MouseButtonDblClick && type_ == QEvent::MouseButtonPress &&
+               event.timestamp() == time_ && event.button() == button_;
+    }
+
+ private:
+    int count_ = 0;
+    QEvent::Type type_ = QEvent::None;
+    quint64 time_ = 0;
+    Qt::MouseButton button_ = Qt::NoButton;
+    QPointF place_;
+};
+
+ClickCounter& clickCounter() {
+    static ClickCounter counter;
+    return counter;
+}
+
+}  // namespace
+
+bool repeatsPress(const QMouseEvent& event) {
+    return clickCounter().repeats(event);
+}
+
+VLPoint locationInWindow(QPointF position, const QWidget& receiver) {
+    const QWidget* panel = receiver.window();
+    const double scale = panel->devicePixelRatioF();
+    const QPointF inPanel = receiver.mapTo(panel, position);
+    // The tolerance keeps a whole pixel whole at scales such as 1.25, where 1/scale is not exact.
+    const auto middle = [scale](double v) { return (std::floor(v * scale + 1e-6) + 0.5) / scale; };
+    return {middle(inPanel.x()), panel->height() - middle(inPanel.y())};
+}
+
+VLMouseEvent mouseEvent(const QSinglePointEvent& event, const QWidget& receiver,
+                        VLMouseEvent::Type type) {
+    return {type, locationInWindow(event.position(), receiver), 0, event.modifiers()};
+}
+
+VLMouseEvent mouseEvent(const QMouseEvent& event, const QWidget& receiver,
+                        VLMouseEvent::Type type) {
+    VLMouseEvent converted =
+        mouseEvent(static_cast<const QSinglePointEvent&>(event), receiver, type);
+    const bool press =
+        event.type() == QEvent::MouseButtonPress || event.type() == QEvent::MouseButtonDblClick;
+    if (press)
+        converted.clickCount = clickCounter().countOf(event);
+    else if (event.type() == QEvent::MouseButtonRelease)
+        converted.clickCount = clickCounter().current();
+    return converted;
+}
+
+VLPoint pointerLocationInWindow(const QWidget& panel) {
+    return locationInWindow(panel.mapFromGlobal(QPointF(QCursor::pos())), panel);
+}
+
+}  // namespace vorla

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QMouseEvent>
+#include <QWidget>
+
+#include "platform/view/VLMouseEvent.h"
+
+namespace vorla {
+
+/// The views' form of a toolkit event that was delivered to `receiver`. Presses get their click
+/// count: a press counts on while it follows the last one within the desktop's double-click
+/// interval and distance, with the same button; the same event seen twice counts once.
+VLMouseEvent mouseEvent(const QMouseEvent& event, const QWidget& receiver, VLMouseEvent::Type type);
+VLMouseEvent mouseEvent(const QSinglePointEvent& event, const QWidget& receiver,
+                        VLMouseEvent::Type type);
+
+/// Whether this is a double-click event for a press that was delivered as a press already.
+bool repeatsPress(const QMouseEvent& event);
+
+/// Where the pointer is now, in the panel's coordinates.
+VLPoint pointerLocationInWindow(const QWidget& panel);
+
+/// The middle of the device pixel at a widget position (y-down, points), y-up in the panel.
+VLPoint locationInWindow(QPointF position, const QWidget& receiver);
+
+}  // namespace vorla
