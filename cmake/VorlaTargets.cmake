@@ -52,14 +52,15 @@ endfunction()
 
 # vorla_add_test(name SOURCES ... DEPENDS ... [QT] [DISPLAY])
 # A GoogleTest program run as one CTest entry. DISPLAY runs it on a private X server with a window
-# manager (tests/support/with-display).
+# manager (tests/support/with-display). A program that needs a main of its own just defines it.
 function(vorla_add_test name)
   cmake_parse_arguments(ARG "QT;DISPLAY" "TIMEOUT" "SOURCES;DEPENDS" ${ARGN})
   set(qt "")
   if(ARG_QT)
     set(qt QT)
   endif()
-  vorla_add_program(${name} SOURCES ${ARG_SOURCES} DEPENDS ${ARG_DEPENDS} GTest::gmock ${qt})
+  vorla_add_program(${name} SOURCES ${ARG_SOURCES} DEPENDS ${ARG_DEPENDS} GTest::gmock
+    GTest::gmock_main ${qt})
   if(ARG_DISPLAY)
     add_test(NAME ${name}
       COMMAND ${PROJECT_SOURCE_DIR}/tests/support/with-display $<TARGET_FILE:${name}>)
