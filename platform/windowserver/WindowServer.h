@@ -23,10 +23,10 @@ struct PixelRect {
 
 /// One display.
 ///
-/// Points: every display has a global point space of its own, which is the native desktop divided by
-/// this display's scale, with y turned upward from the lower edge of the first display. Inside one
-/// such space differences are right; points of two displays' spaces are never mixed. Subtracting
-/// `frame`'s origin gives coordinates local to the display.
+/// Points: every display has a global point space of its own, which is the native desktop divided
+/// by this display's scale, with y turned upward from the lower edge of the first display. Inside
+/// one such space differences are right; points of two displays' spaces are never mixed.
+/// Subtracting `frame`'s origin gives coordinates local to the display.
 struct Display {
     uint32_t displayID = 0;  ///< never 0; stays the same while the display stays connected
     std::string name;        ///< the output's or monitor's name
@@ -56,17 +56,18 @@ enum class WindowPicture {
     Content,          ///< the client area alone, without the window manager's decorations
 };
 
-/// What the desktop's window server tells and gives: displays, windows, pictures, and who is active.
+/// What the desktop's window server tells and gives: displays, windows, pictures, and who is
+/// active.
 ///
-/// Calls are made on the main thread. All pictures are in device pixels, with the device pixel ratio
-/// set to the display's scale, of format RGB32 (opaque) or ARGB32_Premultiplied. A call that the
-/// server refuses, or whose window or display has gone, gives the empty value; nothing throws.
+/// Calls are made on the main thread. All pictures are in device pixels, with the device pixel
+/// ratio set to the display's scale, of format RGB32 (opaque) or ARGB32_Premultiplied. A call that
+/// the server refuses, or whose window or display has gone, gives the empty value; nothing throws.
 class WindowServer {
  public:
     virtual ~WindowServer() = default;
 
-    /// The display server that the environment names, connected; null (with a log line) when there is
-    /// none or it is of a kind that is not served.
+    /// The display server that the environment names, connected; null (with a log line) when there
+    /// is none or it is of a kind that is not served.
     static std::unique_ptr<WindowServer> connect();
 
     /// The process's window server: made by the first call (null, and tried again by the next call,
@@ -84,8 +85,8 @@ class WindowServer {
     virtual std::optional<std::vector<ServerWindow>> windows(uint32_t displayID) = 0;
 
     /// The pixels of a rectangle of a display as it looks now. `rect` is local to the display, in
-    /// points with the origin at the lower left; it is made whole in device pixels outwards, and cut
-    /// to the display. A null image for an empty result.
+    /// points with the origin at the lower left; it is made whole in device pixels outwards, and
+    /// cut to the display. A null image for an empty result.
     virtual QImage imageOfDisplay(uint32_t displayID, VLRect rect) = 0;
 
     /// A window's own picture, also where other windows (ours among them) cover it. Where the
@@ -100,8 +101,8 @@ class WindowServer {
     virtual double alphaAtCentre(uint32_t number) = 0;
 
     /// Asks the server to keep the contents of the session's windows, so that they can be had while
-    /// panels cover them: to be called after the grabs and before the panels of a session are shown.
-    /// `releaseWindows` ends it; both may be repeated.
+    /// panels cover them: to be called after the grabs and before the panels of a session are
+    /// shown. `releaseWindows` ends it; both may be repeated.
     virtual void keepWindows() = 0;
     virtual void releaseWindows() = 0;
 
