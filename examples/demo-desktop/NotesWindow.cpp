@@ -19,7 +19,7 @@ constexpr std::array<Message, 5> kMessages = {{
     {false, "早上好！湖边的照片出来了吗？"},
     {true, "Just now. The first one is the best, look at the light on the ridge."},
     {false, "太美了，雾气刚好散开。"},
-    {false, "Can you mark where we stood? 圈一下就行。"},
+    {false, "Where did we stand? 帮我圈一下。"},
     {true, "好，马上截图发给你。"},
 }};
 
