@@ -5,6 +5,7 @@
 
 #include "capture/VLCaptureManager.h"
 #include "capture/base/VLCaptureSetting.h"
+#include "capture/support/ImageEncoding.h"
 #include "capture/support/ImageHelpers.h"
 #include "capture/support/PasteboardHelpers.h"
 #include "capture/support/PngEncoder.h"
@@ -53,14 +54,23 @@ Delivery makeDelivery(const std::shared_ptr<VLCaptureRequest>& request,
 }
 
 std::string fileName(const Delivery& delivery, bool isHighResolution, const std::string& folder) {
-    return vorla::imageFileNameForPath(folder, delivery.fileType,
-                                       isHighResolution && !delivery.reduce);
+    return vorla::imageFileNameForPath(folder, static_cast<int>(delivery.fileType),
+                                       isHighResolution && !delivery.reduce,
+                                       VLCaptureSetting::sharedInstance().fileNamePrefix(),
+                                       QDateTime::currentDateTime());
 }
 
-/// Writes the file and gives the PNG of what was written. Any thread.
+/// Writes the file and gives the PNG of what was written, encoded once where the file is one too.
+/// Any thread.
 QByteArray saveTo(Delivery& delivery, const std::string& path) {
     if (delivery.reduce) delivery.image = vorla::convert2Xto1XImage(delivery.image);
-    return vorla::saveToFileAndEncode(delivery.image, path, delivery.fileType);
+    const QByteArray png = vorla::PngEncoder::encode(delivery.image);
+    const auto fileType = static_cast<int>(delivery.fileType);
+    if (fileType == vorla::ImageFileTypePng)
+        vorla::saveToFile(png, path);
+    else
+        vorla::saveToFile(delivery.image, path, fileType);
+    return png;
 }
 
 void tellDelegate(const Delivery& delivery, const QByteArray& png, const std::string& path) {

@@ -6,7 +6,7 @@ add_library(Vorla::Vorla ALIAS Vorla)
 vorla_configure_target(Vorla)
 set_target_properties(Vorla PROPERTIES
   VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
-target_link_libraries(Vorla PRIVATE "$<LINK_LIBRARY:WHOLE_ARCHIVE,vorla_capture,vorla_capture_base>")
+target_link_libraries(Vorla PRIVATE "$<LINK_LIBRARY:WHOLE_ARCHIVE,vorla_capture>")
 target_include_directories(Vorla INTERFACE
   $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/Vorla>)
 target_compile_features(Vorla INTERFACE cxx_std_20)

@@ -139,6 +139,7 @@ void VLCaptureMagnifierView::drawRect(QPainter& painter, const VLRect& /*dirtyRe
         background_ = makeBackground(scale);
     vorla::drawImage(painter, background_, bounds());
     vorla::drawImage(painter, screenImage_, imageArea, sourceRect(), vorla::Interpolation::None);
+    painter.setRenderHint(QPainter::Antialiasing, false);
     if (magnifierCrossColor_.isValid()) {
         const double middleY = imageArea.midY() - 0.5;
         painter.fillRect(QRectF(imageArea.x, middleY - 0.5, imageArea.width, 1.0),

@@ -47,7 +47,7 @@ enum VLCaptureType : uint64_t { VLCaptureTypeRegion = 1, VLCaptureTypeWindow = 2
 /// release; each further release confirms again), then to editing (`selectComfirmed`), where it
 /// ignores the mouse. Without `needScreenCapture` it is out of the session and only dims. Main
 /// thread.
-class VLCaptureView : public VLView, private VLCaptureViewSelectedItemDelegate {
+class VLCaptureView : public VLView, public VLCaptureViewSelectedItemDelegate {
  public:
     explicit VLCaptureView(const VLRect& frame, QWidget* superview = nullptr);
     ~VLCaptureView() override;

@@ -6,8 +6,6 @@
 #include "capture/support/VLCaptureWindowInfo.h"
 #include "platform/base/VLLog.h"
 #include "platform/view/drawing.h"
-#include "selection/VLCaptureMagnifierView.h"
-#include "selection/VLCaptureSizeInfoView.h"
 
 using vorla::Notification;
 using vorla::NotificationCenter;

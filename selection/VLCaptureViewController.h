@@ -6,10 +6,10 @@
 
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/geometry.h"
+#include "selection/VLCaptureMagnifierView.h"
+#include "selection/VLCaptureSizeInfoView.h"
 #include "selection/VLCaptureView.h"
 
-class VLCaptureMagnifierView;
-class VLCaptureSizeInfoView;
 class VLCaptureWindowInfo;
 
 /// Posted by a surface's controller at each confirmation; the object is the controller

@@ -71,9 +71,10 @@ QImage drawingFromFile(const std::string& path, double scale) {
 
 QFont VLThemedFont::font() const {
     QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
-    // A family that is not installed is left to the desktop's own substitutions ("Helvetica" has
-    // one nearly everywhere).
-    if (!name.isEmpty()) font.setFamily(name);
+    // A family that is not installed ("Helvetica" seldom is) becomes the desktop's substitute, and
+    // Chinese text gets Chinese letter forms, not the Japanese ones that come first by default.
+    const QString family = name.isEmpty() ? font.family() : name;
+    font.setFamilies({QFontInfo(QFont(family)).family(), QStringLiteral("Noto Sans CJK SC")});
     if (size > 0.0) font.setPixelSize(std::max(1, static_cast<int>(std::lround(size))));
     return font;
 }

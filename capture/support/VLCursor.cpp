@@ -43,10 +43,10 @@ void VLCursor::clear() {
 
 QCursor VLCursor::getCursorWithImageName(const char* name) {
     const QImage image = VLCaptureThemeManager::sharedInstance().themedImageWithKey(name);
-    if (image.isNull()) return Qt::BlankCursor;
+    if (image.isNull()) return QCursor(Qt::ArrowCursor);
     const QSizeF points = image.deviceIndependentSize();
-    return {QPixmap::fromImage(image), static_cast<int>(points.width() / 2.0),
-            static_cast<int>(points.height() / 2.0)};
+    return QCursor(QPixmap::fromImage(image), static_cast<int>(points.width() / 2.0),
+                   static_cast<int>(points.height() / 2.0));
 }
 
 const QCursor& VLCursor::cursorOfType(uint64_t type) {

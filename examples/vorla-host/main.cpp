@@ -2,6 +2,7 @@
 // outside: everything it hears goes to standard output, one JSON object a line.
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QIcon>
 #include <QJsonDocument>
@@ -139,7 +140,7 @@ int main(int argc, char** argv) {
         VLSetInfoValue("SupplyID", options->supplyID.toStdString());
     if (!options->statURL.isEmpty())
         VLSetInfoValue("StatisticsURL", options->statURL.toStdString());
-    if (!options->crashURL.isEmpty()) VLSetInfoValue("CrashURL", options->crashURL.toStdString());
+    if (!options->crashURL.isEmpty()) VLSetInfoValue("CrashSyncURL", options->crashURL.toStdString());
 
     QApplication application(argc, argv);
     QApplication::setApplicationDisplayName(QStringLiteral("Vorla sample host"));
