@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <cmath>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -15,6 +14,7 @@
 #include <optional>
 #include <thread>
 
+#include "capture/support/ImageResolution.h"
 #include "capture/support/ParallelWork.h"
 #include "capture/support/PngFilter.h"
 #include "capture/support/PngStripe.h"
@@ -61,11 +61,10 @@ QByteArray paletteData(const PngPalette& palette) {
     return data;
 }
 
-QByteArray resolutionData(qreal devicePixelRatio) {
-    const auto dotsPerMeter = static_cast<uint32_t>(std::lround(72 * devicePixelRatio / 0.0254));
+QByteArray resolutionData(const QImage& image) {
     QByteArray data;
-    appendWord(data, dotsPerMeter);
-    appendWord(data, dotsPerMeter);
+    appendWord(data, static_cast<uint32_t>(dotsPerMeter(image)));
+    appendWord(data, static_cast<uint32_t>(dotsPerMeter(image)));
     return data.append(1);
 }
 
@@ -176,8 +175,7 @@ QByteArray encoded(const QImage& image, PngEncoder::Options options) {
 
     QByteArray out("\x89PNG\r\n\x1a\n", 8);
     appendChunk(out, "IHDR", headerData(layout));
-    if (image.devicePixelRatio() != 1)
-        appendChunk(out, "pHYs", resolutionData(image.devicePixelRatio()));
+    if (image.devicePixelRatio() != 1) appendChunk(out, "pHYs", resolutionData(image));
     if (palette) appendChunk(out, "PLTE", paletteData(*palette));
     if (!encodeStripes(layout, workers, out)) return {};
     appendChunk(out, "IEND", {});

@@ -44,6 +44,13 @@ struct PngFilterKernels {
         std::memcpy(&to, from, Width);
     }
 
+    [[gnu::always_inline]] static inline void load(Bytes& to, const uint8_t* from, size_t count) {
+        if (count == Width)
+            std::memcpy(&to, from, Width);
+        else
+            std::memcpy(&to, from, count);
+    }
+
     [[gnu::always_inline]] static inline void average(Bytes& to, const Bytes& a, const Bytes& b) {
         to = (a & b) + (((a ^ b) >> 1) & 0x7f);
     }
@@ -83,11 +90,12 @@ struct PngFilterKernels {
             Words sums[5] = {};
             const size_t vectors = std::min(kVectorsPerSum, (bytes - i + Width - 1) / Width);
             for (size_t v = 0; v < vectors; ++v, i += Width) {
-                Bytes x, a, b, c, predicted;
-                load(x, row + i);
-                load(a, row + i - pixelBytes);
-                load(b, above + i);
-                load(c, above + i - pixelBytes);
+                Bytes x = {}, a = {}, b = {}, c = {}, predicted;
+                const size_t count = std::min<size_t>(Width, bytes - i);
+                load(x, row + i, count);
+                load(a, row + i - pixelBytes, count);
+                load(b, above + i, count);
+                load(c, above + i - pixelBytes, count);
                 addMagnitudes(sums[0], x);
                 addMagnitudes(sums[1], x - a);
                 addMagnitudes(sums[2], x - b);

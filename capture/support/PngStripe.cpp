@@ -13,7 +13,7 @@ namespace {
 constexpr DeflateCoder::Effort kFlatEffort = {
     .candidates = 12, .goodLength = 96, .missesPerStep = 256};
 constexpr DeflateCoder::Effort kPhotoEffort = {
-    .candidates = 3, .goodLength = 32, .missesPerStep = 32};
+    .candidates = 12, .goodLength = 64, .missesPerStep = 32};
 
 }  // namespace
 
