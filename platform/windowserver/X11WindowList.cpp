@@ -9,8 +9,8 @@
 #include <utility>
 
 #include "platform/base/Bundle.h"
-#include "platform/windowserver/X11Pixels.h"
 #include "platform/windowserver/X11WindowFacts.h"
+#include "platform/windowserver/displayLayout.h"
 
 namespace vorla {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/windowserver/X11Pixels.h"
+#include "platform/windowserver/displayLayout.h"
 
 namespace vorla {
 
@@ -23,14 +23,24 @@ X11WindowServer::X11WindowServer(std::shared_ptr<X11Connection> connection)
                            [this] {
                                if (onActiveSpaceChanged) onActiveSpaceChanged();
                            }}) {
-    told_ = displays_.read();
+    told_ = readDisplays();
 }
 
 X11WindowServer::~X11WindowServer() {
     segments_->close();
 }
 
-/// Runs the check after a call: events that came along with its answers wait to be seen.
+std::vector<Display> X11WindowServer::readDisplays() {
+    std::vector<Display> displays = displays_.read();
+    size_t bytes = 0;
+    for (const Display& display : displays)
+        bytes += static_cast<size_t>(display.nativeFrame.width) * display.nativeFrame.height * 4;
+    segments_->keepUpTo(bytes);
+    return displays;
+}
+
+/// What surrounds every call: the event loop is joined once there is one, and events that came
+/// along with answers are looked at.
 class X11WindowServer::Call {
  public:
     explicit Call(X11WindowServer& server) : server_(server) { server_.events_.attach(); }
@@ -51,7 +61,7 @@ void X11WindowServer::displaysMayHaveChanged() {
         return;
     }
     checks_ = 0;
-    std::vector<Display> now = displays_.read();
+    std::vector<Display> now = readDisplays();
     if (now == told_ || !connection_->isAlive()) return;
     told_ = std::move(now);
     if (onDisplaysChanged) onDisplaysChanged();
@@ -59,7 +69,7 @@ void X11WindowServer::displaysMayHaveChanged() {
 
 std::vector<Display> X11WindowServer::displays() {
     const Call call(*this);
-    return displays_.read();
+    return readDisplays();
 }
 
 std::optional<std::vector<ServerWindow>> X11WindowServer::windows(uint32_t displayID) {
@@ -91,7 +101,7 @@ QImage X11WindowServer::imageOfDisplay(uint32_t displayID, VLRect rect) {
             image.setDevicePixelRatio(display->scale);
             return image;
         }
-        displays_.read();
+        readDisplays();
     }
     return {};
 }
@@ -146,11 +156,7 @@ std::string X11WindowServer::activeApplicationName() {
 
 void X11WindowServer::prepare() {
     const Call call(*this);
-    const std::vector<Display> displays = displays_.read();
-    size_t bytes = 0;
-    for (const Display& display : displays)
-        bytes += static_cast<size_t>(display.nativeFrame.width) * display.nativeFrame.height * 4;
-    segments_->keepUpTo(bytes);
+    const std::vector<Display> displays = readDisplays();
     // Held together, so that there is a segment for each; the server's side of them is faulted in
     // by its writing to them.
     std::vector<QImage> images;
