@@ -6,6 +6,11 @@
 #include "platform/windowserver/displayLayout.h"
 
 namespace vorla {
+namespace {
+
+constexpr qsizetype pageBytes = 4096;
+
+}  // namespace
 
 std::unique_ptr<X11WindowServer> X11WindowServer::create() {
     std::shared_ptr<X11Connection> connection = X11Connection::open();
@@ -157,11 +162,15 @@ std::string X11WindowServer::activeApplicationName() {
 void X11WindowServer::prepare() {
     const Call call(*this);
     const std::vector<Display> displays = readDisplays();
-    // Held together, so that there is a segment for each; the server's side of them is faulted in
-    // by its writing to them.
+    // Held together, so that there is a segment for each. Its writing faults the server's side of
+    // their pages in, our reading faults ours.
     std::vector<QImage> images;
-    for (const Display& display : displays)
+    for (const Display& display : displays) {
         images.push_back(segments_->grab(display.nativeFrame, true));
+        const volatile uchar* bytes = images.back().constBits();
+        for (qsizetype at = 0; at < images.back().sizeInBytes(); at += pageBytes)
+            static_cast<void>(bytes[at]);
+    }
 }
 
 }  // namespace vorla
