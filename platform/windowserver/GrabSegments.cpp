@@ -20,8 +20,7 @@ class GrabSegments::Segment {
     static std::unique_ptr<Segment> create(X11Connection& connection, size_t bytes) {
         UniqueFd file(memfd_create("vorla-grab", MFD_CLOEXEC));
         if (!file || ftruncate(file.get(), static_cast<off_t>(bytes)) != 0) return nullptr;
-        void* memory =
-            mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_POPULATE, file.get(), 0);
+        void* memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_SHARED, file.get(), 0);
         if (memory == MAP_FAILED) return nullptr;
         std::unique_ptr<Segment> segment(new Segment(memory, bytes));
         const xcb_shm_seg_t id = xcb_generate_id(connection.get());

@@ -22,6 +22,7 @@ constexpr std::string_view atomNames[] = {
     "WM_STATE",
     "WM_CLIENT_MACHINE",
     "_NET_ACTIVE_WINDOW",
+    "_NET_CLIENT_LIST",
     "_NET_CURRENT_DESKTOP",
     "_NET_FRAME_EXTENTS",
     "_NET_WM_DESKTOP",

@@ -17,6 +17,7 @@ enum class X11Atom : uint8_t {
     WmState,
     WmClientMachine,
     NetActiveWindow,
+    NetClientList,
     NetCurrentDesktop,
     NetFrameExtents,
     NetWmDesktop,

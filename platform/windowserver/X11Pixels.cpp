@@ -5,15 +5,6 @@
 
 namespace vorla {
 
-PixelRect intersectionOf(const PixelRect& a, const PixelRect& b) {
-    const int left = std::max(a.x, b.x);
-    const int top = std::max(a.y, b.y);
-    const int right = std::min(a.x + a.width, b.x + b.width);
-    const int bottom = std::min(a.y + a.height, b.y + b.height);
-    if (right <= left || bottom <= top) return {};
-    return {left, top, right - left, bottom - top};
-}
-
 QImage::Format imageFormatOf(PixelLayout layout) {
     return layout == PixelLayout::Argb32 ? QImage::Format_ARGB32_Premultiplied
                                          : QImage::Format_RGB32;

@@ -11,9 +11,6 @@
 
 namespace vorla {
 
-/// The common part; a rectangle of zero width or height when there is none.
-PixelRect intersectionOf(const PixelRect& a, const PixelRect& b);
-
 /// The image format that pixels of a layout have after `finishPixels`.
 QImage::Format imageFormatOf(PixelLayout layout);
 

@@ -15,6 +15,7 @@ X11WindowQuery::X11WindowQuery(const X11Connection& connection, xcb_window_t cli
     };
     geometry = xcb_get_geometry(connection.get(), client);
     place = xcb_translate_coordinates(connection.get(), client, connection.root(), 0, 0);
+    managerState = ask(X11Atom::WmState);
     windowClass = connection.askProperty(client, XCB_ATOM_WM_CLASS);
     pid = ask(X11Atom::NetWmPid);
     machine = ask(X11Atom::WmClientMachine);

@@ -18,8 +18,8 @@ struct X11WindowQuery {
 
     xcb_get_geometry_cookie_t geometry;
     xcb_translate_coordinates_cookie_t place;
-    xcb_get_property_cookie_t windowClass, pid, machine, types, states, desktop, gtkExtents,
-        frameExtents;
+    xcb_get_property_cookie_t managerState, windowClass, pid, machine, types, states, desktop,
+        gtkExtents, frameExtents;
 };
 
 /// The 32-bit words of a property; empty when it is absent or of another size.

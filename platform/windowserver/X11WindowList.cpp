@@ -9,8 +9,8 @@
 #include <utility>
 
 #include "platform/base/Bundle.h"
-#include "platform/windowserver/X11Pixels.h"
 #include "platform/windowserver/X11WindowFacts.h"
+#include "platform/windowserver/displayLayout.h"
 
 namespace vorla {
 namespace {
@@ -18,6 +18,12 @@ namespace {
 constexpr uint32_t stateNormal = 1;  // WM_STATE, as the inter-client conventions number it
 constexpr uint32_t everyDesktop = 0xffffffffU;
 constexpr int clientSearchDepth = 3;
+constexpr uint32_t mostClients = 4096;
+
+std::vector<xcb_window_t> childrenOf(const xcb_query_tree_reply_t& tree) {
+    const xcb_window_t* children = xcb_query_tree_children(&tree);
+    return {children, children + xcb_query_tree_children_length(&tree)};
+}
 
 }  // namespace
 
@@ -72,24 +78,21 @@ std::vector<X11WindowList::Candidate> X11WindowList::readTopLevels(
     struct Asked {
         xcb_get_window_attributes_cookie_t attributes;
         xcb_get_geometry_cookie_t geometry;
-        xcb_get_property_cookie_t state;
         xcb_query_tree_cookie_t tree;
     };
     xcb_connection_t* c = connection_->get();
     std::vector<Asked> asked;
     asked.reserve(tops.size());
     for (const xcb_window_t top : tops)
-        asked.push_back({xcb_get_window_attributes(c, top), xcb_get_geometry(c, top),
-                         connection_->askProperty(top, connection_->atom(X11Atom::WmState)),
-                         xcb_query_tree(c, top)});
+        asked.push_back(
+            {xcb_get_window_attributes(c, top), xcb_get_geometry(c, top), xcb_query_tree(c, top)});
     std::vector<Candidate> candidates;
     for (size_t i = 0; i < tops.size(); ++i) {
         const auto attributes =
             connection_->reply(&xcb_get_window_attributes_reply, asked[i].attributes);
         const auto geometry = connection_->reply(&xcb_get_geometry_reply, asked[i].geometry);
-        const auto state = connection_->property(asked[i].state);
         const auto tree = connection_->reply(&xcb_query_tree_reply, asked[i].tree);
-        if (!attributes || !geometry || attributes->map_state != XCB_MAP_STATE_VIEWABLE ||
+        if (!attributes || !geometry || !tree || attributes->map_state != XCB_MAP_STATE_VIEWABLE ||
             attributes->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT || geometry->width <= 1 ||
             geometry->height <= 1)
             continue;
@@ -102,53 +105,61 @@ std::vector<X11WindowList::Candidate> X11WindowList::readTopLevels(
         window.visual = attributes->visual;
         window.hasAlpha = connection_->layoutOf(window.visual) == PixelLayout::Argb32;
         candidate.overrideRedirect = attributes->override_redirect != 0;
-        if (const auto words = wordsOf(state.get()); !words.empty()) {
-            candidate.isManaged = true;
-            candidate.wmState = words[0];
-        } else if (tree) {
-            const xcb_window_t* children = xcb_query_tree_children(tree.get());
-            candidate.children.assign(children,
-                                      children + xcb_query_tree_children_length(tree.get()));
-        }
+        candidate.children = childrenOf(*tree);
         candidates.push_back(std::move(candidate));
     }
     return candidates;
 }
 
 /// Frames of window managers hold the client a few levels down: each round looks one level deeper
-/// in all the windows that have not shown a client yet.
-void X11WindowList::findClients(std::vector<Candidate>& candidates) {
+/// in all the windows that have not shown a client yet. A client is one that the manager lists, and
+/// then is known without asking; without a list, one that has a manager's state.
+void X11WindowList::findClients(std::vector<Candidate>& candidates, const ManagedWindows& managed) {
     struct Asked {
         Candidate* candidate;
         xcb_window_t window;
-        xcb_get_property_cookie_t state;
-        xcb_query_tree_cookie_t tree;
+        std::optional<xcb_get_property_cookie_t> state;
+        std::optional<xcb_query_tree_cookie_t> tree;
     };
-    for (int depth = 1; depth <= clientSearchDepth; ++depth) {
+    const auto isListed = [&managed](xcb_window_t window) { return managed->count(window) != 0; };
+    const auto take = [](Candidate& candidate, xcb_window_t client) {
+        candidate.isManaged = true;
+        candidate.window.client = client;
+        candidate.children.clear();
+    };
+    for (int depth = 0; depth <= clientSearchDepth; ++depth) {
         std::vector<Asked> asked;
         for (Candidate& candidate : candidates) {
-            for (const xcb_window_t child : candidate.children)
-                asked.push_back(
-                    {&candidate, child,
-                     connection_->askProperty(child, connection_->atom(X11Atom::WmState)),
-                     xcb_query_tree(connection_->get(), child)});
-            candidate.children.clear();
-        }
-        if (asked.empty()) return;
-        for (const Asked& one : asked) {
-            const auto state = connection_->property(one.state);
-            const auto tree = connection_->reply(&xcb_query_tree_reply, one.tree);
-            Candidate& candidate = *one.candidate;
             if (candidate.isManaged) continue;
-            if (const auto words = wordsOf(state.get()); !words.empty()) {
-                candidate.isManaged = true;
-                candidate.wmState = words[0];
-                candidate.window.client = one.window;
-                candidate.children.clear();
+            // The first round looks at the top itself, whose children are known already.
+            std::vector<xcb_window_t> level{candidate.window.top};
+            if (depth > 0) level = std::exchange(candidate.children, {});
+            if (managed) {
+                const auto client = std::find_if(level.begin(), level.end(), isListed);
+                if (client != level.end()) take(candidate, *client);
+            }
+            for (const xcb_window_t window : level) {
+                if (candidate.isManaged) break;
+                Asked one{&candidate, window, {}, {}};
+                if (!managed)
+                    one.state =
+                        connection_->askProperty(window, connection_->atom(X11Atom::WmState));
+                if (depth > 0 && depth < clientSearchDepth)
+                    one.tree = xcb_query_tree(connection_->get(), window);
+                asked.push_back(one);
+            }
+        }
+        for (const Asked& one : asked) {
+            const auto state = one.state ? connection_->property(*one.state) : nullptr;
+            const auto tree =
+                one.tree ? connection_->reply(&xcb_query_tree_reply, *one.tree) : nullptr;
+            if (one.candidate->isManaged) continue;
+            if (!wordsOf(state.get()).empty()) {
+                take(*one.candidate, one.window);
             } else if (tree) {
-                const xcb_window_t* children = xcb_query_tree_children(tree.get());
-                candidate.children.insert(candidate.children.end(), children,
-                                          children + xcb_query_tree_children_length(tree.get()));
+                const auto more = childrenOf(*tree);
+                auto& children = one.candidate->children;
+                children.insert(children.end(), more.begin(), more.end());
             }
         }
     }
@@ -192,6 +203,7 @@ void X11WindowList::readDetails(std::vector<Candidate>& candidates) {
         X11Window& window = candidate.window;
         const auto geometry = connection_->reply(&xcb_get_geometry_reply, asked[i].geometry);
         const auto place = connection_->reply(&xcb_translate_coordinates_reply, asked[i].place);
+        const std::vector<uint32_t> managerState = words(asked[i].managerState);
         const auto windowClass = connection_->property(asked[i].windowClass);
         const std::vector<uint32_t> claimedPid = words(asked[i].pid);
         const auto machine = connection_->property(asked[i].machine);
@@ -212,6 +224,7 @@ void X11WindowList::readDetails(std::vector<Candidate>& candidates) {
              has(states, X11Atom::NetWmStateFullscreen), has(states, X11Atom::NetWmStateAbove),
              has(states, X11Atom::NetWmStateBelow),
              candidate.overrideRedirect && !candidate.isManaged});
+        if (!managerState.empty()) candidate.wmState = managerState[0];
         candidate.isHidden = has(states, X11Atom::NetWmStateHidden);
         if (!desktop.empty()) candidate.desktop = desktop[0];
         const bool isLocal = textOf(machine.get()) == hostName_;
@@ -244,8 +257,11 @@ std::optional<std::vector<X11Window>> X11WindowList::read(const std::vector<Disp
     const auto treeCookie = xcb_query_tree(c, connection_->root());
     const auto desktopCookie = connection_->askProperty(
         connection_->root(), connection_->atom(X11Atom::NetCurrentDesktop), 1);
+    const auto clientsCookie = connection_->askProperty(
+        connection_->root(), connection_->atom(X11Atom::NetClientList), mostClients);
     const auto tree = connection_->reply(&xcb_query_tree_reply, treeCookie);
     const uint32_t desktop = currentDesktop(desktopCookie);
+    const auto clients = connection_->property(clientsCookie);
     if (!tree || !connection_->isAlive()) return std::nullopt;
     const xcb_window_t* children = xcb_query_tree_children(tree.get());
     std::vector<xcb_window_t> tops(children, children + xcb_query_tree_children_length(tree.get()));
@@ -258,7 +274,10 @@ std::optional<std::vector<X11Window>> X11WindowList::read(const std::vector<Disp
         });
     };
     std::erase_if(candidates, [&](const Candidate& w) { return !isSeen(w.window.outer); });
-    findClients(candidates);
+    ManagedWindows managed;
+    if (const auto words = wordsOf(clients.get()); !words.empty())
+        managed.emplace(words.begin(), words.end());
+    findClients(candidates, managed);
     readDetails(candidates);
     std::vector<X11Window> windows;
     for (Candidate& candidate : candidates)
@@ -284,7 +303,10 @@ std::optional<X11Window> X11WindowList::readOne(xcb_window_t number) {
     const xcb_window_t top = topLevelOf(number);
     if (top == XCB_NONE) return std::nullopt;
     std::vector<Candidate> candidates = readTopLevels({top});
-    findClients(candidates);
+    for (Candidate& candidate : candidates) {
+        candidate.window.client = number;
+        candidate.isManaged = number != top;
+    }
     readDetails(candidates);
     if (candidates.empty() || candidates[0].isGone) return std::nullopt;
     return std::move(candidates[0].window);
@@ -307,11 +329,18 @@ std::string X11WindowList::activeOwnerName() {
         std::string name = ownerNameOf(words[0]);
         if (!name.empty()) return name;
     }
-    if (!focus || focus->focus <= XCB_INPUT_FOCUS_POINTER_ROOT ||
-        focus->focus == connection_->root())
-        return {};
-    const auto window = readOne(focus->focus);
-    return window ? window->ownerName : std::string();
+    if (!focus || focus->focus <= XCB_INPUT_FOCUS_POINTER_ROOT) return {};
+    // The keyboard may be with a window inside the one that tells its class.
+    xcb_window_t window = focus->focus;
+    while (window != XCB_NONE && window != connection_->root()) {
+        const auto classCookie = connection_->askProperty(window, XCB_ATOM_WM_CLASS);
+        const auto treeCookie = xcb_query_tree(connection_->get(), window);
+        const auto windowClass = connection_->property(classCookie);
+        const auto tree = connection_->reply(&xcb_query_tree_reply, treeCookie);
+        if (!classNameOf(windowClass.get()).empty()) return ownerNameOf(window);
+        window = tree ? tree->parent : xcb_window_t{XCB_NONE};
+    }
+    return {};
 }
 
 }  // namespace vorla

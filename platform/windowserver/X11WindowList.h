@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "platform/windowserver/WindowServer.h"
@@ -73,8 +74,7 @@ class X11WindowList {
     /// does not answer.
     std::optional<std::vector<X11Window>> read(const std::vector<Display>& displays);
 
-    /// One window by the number of its client or of its child of the root; nothing when it has
-    /// gone or is not on the screen.
+    /// One window by its number; nothing when it has gone or is not on the screen.
     std::optional<X11Window> readOne(xcb_window_t number);
 
     /// Owner of a client window as `ServerWindow::ownerName` has it; empty when unknown.
@@ -88,8 +88,10 @@ class X11WindowList {
 
  private:
     struct Candidate;
+    /// The window manager's list of its clients; nothing when it gives none.
+    using ManagedWindows = std::optional<std::unordered_set<xcb_window_t>>;
     std::vector<Candidate> readTopLevels(const std::vector<xcb_window_t>& tops);
-    void findClients(std::vector<Candidate>& candidates);
+    void findClients(std::vector<Candidate>& candidates, const ManagedWindows& managed);
     void readProcessIds(std::vector<Candidate>& candidates);
     void readDetails(std::vector<Candidate>& candidates);
     uint32_t currentDesktop(xcb_get_property_cookie_t cookie);

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "platform/windowserver/X11Pixels.h"
+#include "platform/windowserver/displayLayout.h"
 
 namespace vorla {
 namespace {

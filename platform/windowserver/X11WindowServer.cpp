@@ -3,9 +3,14 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/windowserver/X11Pixels.h"
+#include "platform/windowserver/displayLayout.h"
 
 namespace vorla {
+namespace {
+
+constexpr qsizetype pageBytes = 4096;
+
+}  // namespace
 
 std::unique_ptr<X11WindowServer> X11WindowServer::create() {
     std::shared_ptr<X11Connection> connection = X11Connection::open();
@@ -23,14 +28,24 @@ X11WindowServer::X11WindowServer(std::shared_ptr<X11Connection> connection)
                            [this] {
                                if (onActiveSpaceChanged) onActiveSpaceChanged();
                            }}) {
-    told_ = displays_.read();
+    told_ = readDisplays();
 }
 
 X11WindowServer::~X11WindowServer() {
     segments_->close();
 }
 
-/// Runs the check after a call: events that came along with its answers wait to be seen.
+std::vector<Display> X11WindowServer::readDisplays() {
+    std::vector<Display> displays = displays_.read();
+    size_t bytes = 0;
+    for (const Display& display : displays)
+        bytes += static_cast<size_t>(display.nativeFrame.width) * display.nativeFrame.height * 4;
+    segments_->keepUpTo(bytes);
+    return displays;
+}
+
+/// What surrounds every call: the event loop is joined once there is one, and events that came
+/// along with answers are looked at.
 class X11WindowServer::Call {
  public:
     explicit Call(X11WindowServer& server) : server_(server) { server_.events_.attach(); }
@@ -51,7 +66,7 @@ void X11WindowServer::displaysMayHaveChanged() {
         return;
     }
     checks_ = 0;
-    std::vector<Display> now = displays_.read();
+    std::vector<Display> now = readDisplays();
     if (now == told_ || !connection_->isAlive()) return;
     told_ = std::move(now);
     if (onDisplaysChanged) onDisplaysChanged();
@@ -59,7 +74,7 @@ void X11WindowServer::displaysMayHaveChanged() {
 
 std::vector<Display> X11WindowServer::displays() {
     const Call call(*this);
-    return displays_.read();
+    return readDisplays();
 }
 
 std::optional<std::vector<ServerWindow>> X11WindowServer::windows(uint32_t displayID) {
@@ -91,7 +106,7 @@ QImage X11WindowServer::imageOfDisplay(uint32_t displayID, VLRect rect) {
             image.setDevicePixelRatio(display->scale);
             return image;
         }
-        displays_.read();
+        readDisplays();
     }
     return {};
 }
@@ -146,16 +161,16 @@ std::string X11WindowServer::activeApplicationName() {
 
 void X11WindowServer::prepare() {
     const Call call(*this);
-    const std::vector<Display> displays = displays_.read();
-    size_t bytes = 0;
-    for (const Display& display : displays)
-        bytes += static_cast<size_t>(display.nativeFrame.width) * display.nativeFrame.height * 4;
-    segments_->keepUpTo(bytes);
-    // Held together, so that there is a segment for each; the server's side of them is faulted in
-    // by its writing to them.
+    const std::vector<Display> displays = readDisplays();
+    // Held together, so that there is a segment for each. Its writing faults the server's side of
+    // their pages in, our reading faults ours.
     std::vector<QImage> images;
-    for (const Display& display : displays)
+    for (const Display& display : displays) {
         images.push_back(segments_->grab(display.nativeFrame, true));
+        const volatile uchar* bytes = images.back().constBits();
+        for (qsizetype at = 0; at < images.back().sizeInBytes(); at += pageBytes)
+            static_cast<void>(bytes[at]);
+    }
 }
 
 }  // namespace vorla

@@ -40,6 +40,7 @@ class X11WindowServer : public WindowServer {
  private:
     class Call;
     explicit X11WindowServer(std::shared_ptr<X11Connection> connection);
+    std::vector<Display> readDisplays();
     void displaysMayHaveChanged();
     /// The window as the list that was read last has it.
     [[nodiscard]] std::optional<X11Window> listed(uint32_t number) const;
