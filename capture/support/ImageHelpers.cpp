@@ -34,9 +34,12 @@ bool isHighReolution(const QImage& image) {
 }
 
 bool saveToFile(const QImage& image, const std::string& path, int fileType) {
-    if (image.isNull() || path.empty()) return false;
+    return !image.isNull() && saveToFile(encodedImage(image, fileType), path);
+}
+
+bool saveToFile(const QByteArray& bytes, const std::string& path) {
+    if (path.empty()) return false;
     const std::string target = expandTilde(path);
-    const QByteArray bytes = encodedImage(image, fileType);
     if (bytes.isEmpty()) return fail("the picture cannot be encoded in this format");
     const size_t slash = target.rfind('/');
     if (slash != std::string::npos && slash > 0 && !createDirectories(target.substr(0, slash)))

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QImage>
 #include <string>
 
@@ -21,6 +22,8 @@ bool isHighReolution(const QImage& image);
 /// was removed meanwhile. The file appears whole or not at all, an older one of that name is then
 /// replaced. False without a path or an image; on failure also logs the reason.
 bool saveToFile(const QImage& image, const std::string& path, int fileType);
+/// The same for a picture that is encoded already.
+bool saveToFile(const QByteArray& bytes, const std::string& path);
 
 /// The picture with one pixel to a point, at the same size in points (rounded to whole pixels, at
 /// least one). Null for one that is not of high resolution, or if memory runs out.
