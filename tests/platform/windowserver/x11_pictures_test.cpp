@@ -105,7 +105,8 @@ TEST_F(X11Pictures, HalfCoveredWindowIsGivenWhole) {
     EXPECT_EQ(pixelsUnlike(content, TestPattern::Gradient), 0);
 
     const QImage frame = take(back, WindowPicture::Frame, screen);
-    const auto extents = driver->propertyWords(back, "_NET_FRAME_EXTENTS");
+    auto extents = driver->propertyWords(back, "_NET_FRAME_EXTENTS");
+    extents.resize(4);  // no decorations without a window manager
     const int left = static_cast<int>(extents.at(0));
     const int top = static_cast<int>(extents.at(2));
     EXPECT_EQ(frame.width(), 400 + left + static_cast<int>(extents.at(1)));
@@ -230,7 +231,7 @@ TEST_F(X11Pictures, SessionsLeaveNothingBehind) {
     const auto resources = driver->resourcesOfProcess(getpid());
     const int files = fileDescriptorsOf(getpid());
     const int segments = sharedMemorySegmentsOf(getpid());
-    for (int i = 0; i < 20; ++i) session();
+    for (int i = 0; i < 8; ++i) session();
     EXPECT_EQ(driver->resourcesOfProcess(getpid()), resources);
     EXPECT_EQ(driver->pixmapBytesOfProcess(getpid()), 0U);
     EXPECT_EQ(fileDescriptorsOf(getpid()), files);
