@@ -129,11 +129,14 @@ TEST_F(X11Displays, WorkspaceChangeDuringACallIsNotLost) {
 TEST_F(X11Displays, LostConnectionGivesEmptyValues) {
     const auto known = driver->clientsOfProcess(getpid());
     std::set<uint32_t> others(known.begin(), known.end());
-    server = WindowServer::connect();
-    const Display d = display();
+    WindowServer::setShared(nullptr);
+    const std::shared_ptr<WindowServer> server = WindowServer::shared();
+    this->server = nullptr;
+    ASSERT_TRUE(server->isConnected());
+    const Display d = server->displays().at(0);
     server->prepare();
     const xcb_window_t window = open({"--geometry", "300x200+100+100"});
-    QImage screen = screenImage();
+    QImage screen = server->imageOfDisplay(d.displayID, whole(d));
     const QImage untouched = screen.copy();
     server->keepWindows();
     for (const uint32_t client : driver->clientsOfProcess(getpid()))
@@ -156,9 +159,13 @@ TEST_F(X11Displays, LostConnectionGivesEmptyValues) {
     }
     EXPECT_EQ(screen, untouched);
     screen = QImage();
-    server.reset();
     setLogHandler(nullptr);
     EXPECT_THAT(lines, testing::ElementsAre(testing::HasSubstr("lost")));
+    const auto next = WindowServer::shared();
+    ASSERT_TRUE(next);
+    EXPECT_NE(next, server) << "a broken one is replaced";
+    EXPECT_FALSE(next->displays().empty());
+    WindowServer::setShared(nullptr);
 }
 
 TEST_F(X11Displays, WithoutAServerThereIsNone) {

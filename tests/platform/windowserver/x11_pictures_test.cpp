@@ -2,6 +2,7 @@
 
 #include <QElapsedTimer>
 #include <cstdlib>
+#include <thread>
 
 #include "tests/platform/windowserver/X11TestFixture.h"
 
@@ -86,6 +87,17 @@ TEST_F(X11Pictures, SegmentsAreReusedButNeverWhileInUse) {
     }
     server.reset();
     EXPECT_EQ(third, second) << "a picture outlives the server";
+}
+
+TEST_F(X11Pictures, ImagesMayDieOnOtherThreads) {
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 20; ++i) {
+        QImage image = screenImage();
+        ASSERT_FALSE(image.isNull());
+        threads.emplace_back([image = std::move(image)]() mutable { image = QImage(); });
+    }
+    server.reset();
+    for (std::thread& thread : threads) thread.join();
 }
 
 TEST_F(X11Pictures, HalfCoveredWindowIsGivenWhole) {
