@@ -71,9 +71,14 @@ class WindowServer {
     static std::unique_ptr<WindowServer> connect();
 
     /// The process's window server: made by the first call (null, and tried again by the next call,
-    /// when `connect` fails). Tests put another one in its place; null removes it.
+    /// when `connect` fails), and made anew when the former one has lost its connection. Tests put
+    /// another one in its place; null removes it.
     static std::shared_ptr<WindowServer> shared();
     static void setShared(std::shared_ptr<WindowServer> server);
+
+    /// False once the connection to the display server has broken: every other call then gives the
+    /// empty value for good.
+    virtual bool isConnected() { return true; }
 
     /// In the desktop's order, the first one first.
     virtual std::vector<Display> displays() = 0;
