@@ -10,10 +10,12 @@
 namespace vorla {
 namespace {
 
+// In a photograph's noise short repetitions are chance, found at great cost for little gain; what
+// text there is beside it repeats at length.
 constexpr DeflateCoder::Effort kFlatEffort = {
-    .candidates = 12, .goodLength = 96, .missesPerStep = 256};
+    .shortest = 5, .candidates = 12, .goodLength = 96, .missesPerStep = 256};
 constexpr DeflateCoder::Effort kPhotoEffort = {
-    .candidates = 12, .goodLength = 64, .missesPerStep = 32};
+    .shortest = 7, .candidates = 3, .goodLength = 64, .missesPerStep = 32};
 
 }  // namespace
 
