@@ -69,7 +69,7 @@ void PngStripe::filterRows(int first, int end) {
 
 DeflateCoder::Effort PngStripe::effortFor(const uint8_t* bytes, size_t size) const {
     if (layout_.palette) return kFlatEffort;
-    return PngFilter::zeroBytes(bytes, size) * 2 > size ? kFlatEffort : kPhotoEffort;
+    return PngFilter::zeroShare(bytes, size) > 0.5 ? kFlatEffort : kPhotoEffort;
 }
 
 PngStripe::Sum PngStripe::encode(size_t number, std::vector<uint8_t>& out) {
