@@ -10,12 +10,12 @@
 namespace vorla {
 namespace {
 
-// In a photograph's noise short repetitions are chance, found at great cost for little gain; what
-// text there is beside it repeats at length.
+// In a photograph's noise most repetitions are chance: many are tried for little gain. Fewer
+// candidates serve grain that differs between channels, colours and greys alike.
 constexpr DeflateCoder::Effort kFlatEffort = {
     .shortest = 5, .candidates = 12, .goodLength = 96, .missesPerStep = 256};
 constexpr DeflateCoder::Effort kPhotoEffort = {
-    .shortest = 7, .candidates = 3, .goodLength = 64, .missesPerStep = 32};
+    .shortest = 5, .candidates = 4, .goodLength = 24, .missesPerStep = 32};
 
 }  // namespace
 
