@@ -171,8 +171,11 @@ std::string preferredLanguage() {
         locale.empty() || locale == "C" || locale == "POSIX" || locale.starts_with("C.");
     // LANGUAGE is a list and is heeded only where a locale is set at all.
     if (const char* list = std::getenv("LANGUAGE"); !plain && list && *list) {
-        locale = list;
-        locale = locale.substr(0, locale.find(':'));
+        const std::string_view names = list;
+        const size_t first = names.find_first_not_of(':');
+        if (first != std::string_view::npos)
+            locale = names.substr(first, names.find(':', first) - first);
+        if (locale == "C" || locale == "POSIX") return "en";
     } else if (plain) {
         return "en";
     }

@@ -14,6 +14,28 @@
 #include "platform/base/raii.h"
 
 namespace vorla {
+namespace {
+
+/// The host's signals belong to the host's threads: threads started in its scope are born with all
+/// of them blocked but those that a thread raises by its own fault.
+class SignalsBlocked {
+ public:
+    SignalsBlocked() {
+        sigset_t blocked;
+        sigfillset(&blocked);
+        for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT, SIGSYS})
+            sigdelset(&blocked, fault);
+        pthread_sigmask(SIG_SETMASK, &blocked, &previous_);
+    }
+    ~SignalsBlocked() { pthread_sigmask(SIG_SETMASK, &previous_, nullptr); }
+    SignalsBlocked(const SignalsBlocked&) = delete;
+    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
+
+ private:
+    sigset_t previous_;
+};
+
+}  // namespace
 
 struct DispatchQueue::State {
     std::string label;
@@ -24,17 +46,8 @@ struct DispatchQueue::State {
     asio::thread_pool& runningPool() {
         const std::lock_guard lock(mutex);
         if (pool) return *pool;
-        // The host's signals belong to the host's threads: ours are born with all of them blocked
-        // but those that a thread raises by its own fault.
-        sigset_t blocked;
-        sigset_t previous;
-        sigfillset(&blocked);
-        for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT, SIGSYS})
-            sigdelset(&blocked, fault);
-        pthread_sigmask(SIG_SETMASK, &blocked, &previous);
-        pool.emplace(threads);
-        pthread_sigmask(SIG_SETMASK, &previous, nullptr);
-        return *pool;
+        const SignalsBlocked guard;
+        return pool.emplace(threads);
     }
 };
 

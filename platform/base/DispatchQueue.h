@@ -26,6 +26,7 @@ class DispatchQueue {
     /// The process-wide concurrent queue, with a thread for each processor, two at least.
     static DispatchQueue& global();
 
+    /// Throws std::system_error when the queue's first thread cannot be started.
     void async(Task task);
 
  private:

@@ -36,13 +36,20 @@ void MainQueue::postAfter(std::chrono::milliseconds delay, Task task) {
 }
 
 void MainQueue::setBackend(std::shared_ptr<Backend> backend) {
-    std::vector<std::pair<std::chrono::milliseconds, Task>> waiting;
-    {
-        const std::lock_guard lock(state().mutex);
-        state().backend = backend;
-        if (backend) waiting.swap(state().waiting);
+    // Until all that waits is handed over, others go on adding to what waits: else a task posted
+    // meanwhile would overtake them.
+    for (;;) {
+        std::vector<std::pair<std::chrono::milliseconds, Task>> waiting;
+        {
+            const std::lock_guard lock(state().mutex);
+            if (!backend || state().waiting.empty()) {
+                state().backend.swap(backend);
+                return;
+            }
+            waiting.swap(state().waiting);
+        }
+        for (auto& [delay, task] : waiting) backend->post(delay, std::move(task));
     }
-    for (auto& [delay, task] : waiting) backend->post(delay, std::move(task));
 }
 
 }  // namespace vorla

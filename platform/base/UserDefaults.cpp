@@ -5,11 +5,14 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <chrono>
+#include <cstdio>
 #include <cstring>
 #include <ctime>
 #include <map>
 #include <mutex>
 #include <nlohmann/json.hpp>
+#include <thread>
 
 #include "platform/base/Bundle.h"
 #include "platform/base/VLLog.h"
@@ -46,10 +49,54 @@ std::optional<UserDefaults::Value> valueOf(const json& stored) {
     return std::nullopt;
 }
 
-json readObject(const std::string& path) {
-    json object = json::parse(readFile(path).value_or(""), nullptr, false);
-    return object.is_object() ? object : json::object();
+json parsedObject(const std::string& text) {
+    json object = json::parse(text, nullptr, false);
+    return object.is_object() ? object : json(json::value_t::discarded);
 }
+
+json readObject(const std::string& path) {
+    json object = parsedObject(readFile(path).value_or(""));
+    return object.is_discarded() ? json::object() : object;
+}
+
+/// What a write has to merge into; discarded when the file must not be touched.
+json readForMerge(const std::string& path) {
+    const auto text = readFile(path);
+    if (!text) return errno == ENOENT ? json::object() : json(json::value_t::discarded);
+    json object = parsedObject(*text);
+    if (!object.is_discarded()) return object;
+    if (!text->empty()) {
+        VLLog("preferences %s cannot be parsed and are put aside", path.c_str());
+        if (std::rename(path.c_str(), (path + ".broken").c_str()) != 0) return object;
+    }
+    return json::object();
+}
+
+/// An exclusive lock for a scope, shared with other processes.
+class FileLock {
+ public:
+    explicit FileLock(const std::string& path)
+        : fd_(::open(path.c_str(), O_CREAT | O_RDWR | O_CLOEXEC, 0600)) {
+        // A stopped process may hold the lock for ever.
+        const auto latest = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+        while (fd_ && !(held_ = ::flock(fd_.get(), LOCK_EX | LOCK_NB) == 0) &&
+               (errno == EWOULDBLOCK || errno == EINTR) &&
+               std::chrono::steady_clock::now() < latest)
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    /// Unlocks by word: a child that was forked meanwhile shares the lock and does not close it.
+    ~FileLock() {
+        if (held_) ::flock(fd_.get(), LOCK_UN);
+    }
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+
+    [[nodiscard]] bool isHeld() const { return held_; }
+
+ private:
+    UniqueFd fd_;
+    bool held_ = false;
+};
 
 }  // namespace
 
@@ -71,9 +118,10 @@ struct UserDefaults::State {
     bool save() {
         const std::string folder = path.substr(0, path.find_last_of('/'));
         if (!createDirectories(folder, 0700)) return false;
-        const UniqueFd lock(::open((path + ".lock").c_str(), O_CREAT | O_RDWR | O_CLOEXEC, 0600));
-        if (!lock || ::flock(lock.get(), LOCK_EX) != 0) return false;
-        json merged = readObject(path);
+        const FileLock lock(path + ".lock");
+        if (!lock.isHeld()) return false;
+        json merged = readForMerge(path);
+        if (merged.is_discarded()) return false;
         for (const auto& [key, value] : unsaved) {
             if (value.is_null())
                 merged.erase(key);

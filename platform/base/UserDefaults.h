@@ -16,8 +16,9 @@ namespace vorla {
 /// merges just the keys written here into what the file holds then, under a lock on a neighbouring
 /// file: two processes never lose each other's keys, and a crash leaves the old file or the new
 /// one. A read sees what another process has stored since. A file that cannot be parsed counts as
-/// empty and is replaced by the next write; one that cannot be written is logged, and the values
-/// last as long as the process. Any thread.
+/// empty, and the next write puts it aside with ".broken" added to its name; one that cannot be
+/// read or written is logged and left alone, and the values last as long as the process. A process
+/// that keeps the lock for longer than a second is not waited for. Any thread.
 class UserDefaults {
  public:
     using Value = std::variant<bool, int64_t, double, std::string>;

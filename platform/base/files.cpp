@@ -8,9 +8,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <sstream>
-#include <system_error>
+#include <vector>
 
 #include "platform/base/raii.h"
 
@@ -27,6 +26,24 @@ bool writeAll(int fd, std::string_view bytes) {
     return true;
 }
 
+std::string homeOfAccount() {
+    passwd account = {};
+    passwd* found = nullptr;
+    std::vector<char> buffer(16384);
+    ::getpwuid_r(::getuid(), &account, buffer.data(), buffer.size(), &found);
+    return found && found->pw_dir ? found->pw_dir : "";
+}
+
+/// The text up to the closing quote, with the shell's backslashes taken out.
+std::string unquoted(std::string_view text) {
+    std::string value;
+    for (size_t i = 0; i < text.size() && text[i] != '"'; ++i) {
+        if (text[i] == '\\' && i + 1 < text.size()) ++i;
+        value += text[i];
+    }
+    return value;
+}
+
 std::string xdgDirectory(const char* variable, const char* fallback) {
     const char* value = std::getenv(variable);
     if (value && value[0] == '/') return value;
@@ -36,7 +53,8 @@ std::string xdgDirectory(const char* variable, const char* fallback) {
 }  // namespace
 
 std::optional<std::string> readFile(const std::string& path) {
-    const UniqueFd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    // Without O_NONBLOCK the open of a pipe would wait for a writer.
+    const UniqueFd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!fd) return std::nullopt;
     struct stat facts = {};
     if (::fstat(fd.get(), &facts) != 0) return std::nullopt;
@@ -81,17 +99,18 @@ bool createDirectories(const std::string& path, mode_t mode) {
         if (::mkdir(part.c_str(), mode) != 0 && errno != EEXIST && errno != EROFS) return false;
         if (end != std::string::npos) ++end;
     }
-    std::error_code error;
-    if (std::filesystem::is_directory(path, error)) return true;
+    struct stat facts = {};
+    if (::stat(path.c_str(), &facts) != 0) return false;
+    if (S_ISDIR(facts.st_mode)) return true;
     errno = ENOTDIR;
     return false;
 }
 
 std::string homeDirectory() {
     const char* home = std::getenv("HOME");
-    if (home && home[0] == '/') return home[1] ? home : "";
-    const passwd* user = ::getpwuid(::getuid());
-    return user && user->pw_dir ? user->pw_dir : "";
+    std::string path = home && home[0] == '/' ? home : homeOfAccount();
+    while (path.ends_with('/')) path.pop_back();
+    return path;
 }
 
 std::string expandTilde(const std::string& path) {
@@ -109,16 +128,16 @@ std::string dataHome() {
 std::string desktopDirectory() {
     std::istringstream lines(readFile(configHome() + "/user-dirs.dirs").value_or(""));
     const std::string key = "XDG_DESKTOP_DIR=\"";
-    const std::string homePrefix = "$HOME";
+    std::string found = homeDirectory() + "/Desktop";
     for (std::string line; std::getline(lines, line);) {
+        line.erase(0, line.find_first_not_of(" \t"));
         if (!line.starts_with(key)) continue;
-        std::string value = line.substr(key.size(), line.find('"', key.size()) - key.size());
-        if (value.starts_with(homePrefix))
-            value = homeDirectory() + value.substr(homePrefix.size());
+        std::string value = unquoted(line.substr(key.size()));
+        if (value == "$HOME" || value.starts_with("$HOME/")) value.replace(0, 5, homeDirectory());
         while (value.size() > 1 && value.back() == '/') value.pop_back();
-        if (!value.empty() && value[0] == '/') return value;
+        if (value.starts_with('/')) found = value;
     }
-    return homeDirectory() + "/Desktop";
+    return found;
 }
 
 }  // namespace vorla
