@@ -30,6 +30,17 @@ inline void pakAssert(bool holds, const char* text) {
         pakFail(text);
 }
 
+/// While one of these lives, `pakFail` on its thread raises PakInconsistencyException with the text
+/// instead of ending the process: for reading what a peer sent with readers that trust their bytes.
+/// May be nested.
+class PakFailuresRaise {
+ public:
+    PakFailuresRaise();
+    ~PakFailuresRaise();
+    PakFailuresRaise(const PakFailuresRaise&) = delete;
+    PakFailuresRaise& operator=(const PakFailuresRaise&) = delete;
+};
+
 /// Called by `pakFail` before the process ends. A fuzzer or a test sets one that throws, to go on
 /// with the next input; null restores the plain end. Not for programs.
 using PakFailureHook = void (*)(const char* text);
