@@ -18,7 +18,7 @@ function(vorla_write_cursor directory name drawing turn haloWidth)
   configure_file(${VORLA_DRAWINGS}/cursor.svg.in ${directory}/${name}.svg @ONLY)
 endfunction()
 
-# The angles are counter-clockwise, as the design's are; SVG turns the other way.
+# The angles are counter-clockwise, as everywhere in the code; SVG turns the other way.
 function(vorla_write_cursors directory)
   vorla_write_cursor(${directory} move_cursor move_cursor 0 2.5)
   vorla_write_cursor(${directory} sightingTelescopeCursor sightingTelescopeCursor 0 2)

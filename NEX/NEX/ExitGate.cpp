@@ -9,6 +9,11 @@
 #include "platform/base/raii.h"
 
 namespace vorla {
+namespace {
+
+thread_local int staysOfThread = 0;
+
+}  // namespace
 
 ExitGate& ExitGate::shared() {
     static NoDestructor<ExitGate> instance;
@@ -34,6 +39,7 @@ void ExitGate::park() {
 }
 
 ExitGate::Stay::Stay() {
+    if (staysOfThread++ > 0) return;
     ExitGate& gate = shared();
     std::unique_lock lock(gate.mutex_);
     if (gate.closed_) {
@@ -44,6 +50,7 @@ ExitGate::Stay::Stay() {
 }
 
 ExitGate::Stay::~Stay() {
+    if (--staysOfThread > 0) return;
     ExitGate& gate = shared();
     std::unique_lock lock(gate.mutex_);
     --gate.inside_;

@@ -8,21 +8,21 @@
 
 namespace vorla {
 
-/// Keeps background threads out of libraries that the process tears down when it exits.
+/// Keeps background threads away from what the process tears down when it exits: static objects,
+/// and the tables of libraries that are freed in exit handlers.
 ///
-/// The TLS library frees its tables in an exit handler while our thread may be using them. A thread
-/// enters the gate before it calls such a library and leaves it after. When the process exits, the
-/// gate closes: every thread that wants in, or comes out, stops for good, and the exit waits for
-/// those inside, 250 ms at most. Waking callbacks shorten that to nothing much.
+/// A thread works inside the gate and waits outside of it. When the process exits, the gate closes:
+/// every thread that wants in, or comes out, stops for good, and the exit waits for those inside,
+/// 250 ms at most. Waking callbacks shorten that to nothing much.
 class ExitGate {
  public:
     static ExitGate& shared();
 
-    /// Installs the exit handler; the libraries in question must have installed theirs before. Once
-    /// per process, later calls do nothing.
+    /// Installs the exit handler: before the threads in question start. What they use must have
+    /// been made before, or never be destroyed. Once per process, later calls do nothing.
     void install();
 
-    /// A thread's stay inside. Never returns once the gate is closed.
+    /// A thread's stay inside; may be nested. Never returns once the gate is closed.
     class Stay {
      public:
         Stay();

@@ -1,5 +1,7 @@
 #include "NEX/NEX/OzuHTTPSessionManager.h"
 
+#include <openssl/crypto.h>
+
 #include <map>
 #include <mutex>
 #include <system_error>
@@ -154,9 +156,9 @@ void OzuHTTPSessionManager::State::pump() {
             int active = 0;
             curl_multi_perform(multi.get(), &active);
             collectFinished(ended);
+            for (auto& [task, result] : ended) task.complete(std::move(result));
             if (ended.empty()) curl_multi_poll(multi.get(), nullptr, 0, 1000, nullptr);
         }
-        for (auto& [task, result] : ended) task.complete(std::move(result));
         resting = mayRest();
     }
 }
@@ -184,8 +186,12 @@ const std::shared_ptr<OzuHTTPSessionManager>& OzuHTTPSessionManager::sharedInsta
 void OzuHTTPSessionManager::prepareLibraries() {
     static std::once_flag once;
     std::call_once(once, [] {
-        curl_global_init(CURL_GLOBAL_ALL);
         ExitGate::shared().install();
+        const ExitGate::Stay stay;
+        // A library must not leave an exit handler behind that frees what its threads still use. If
+        // the host has done this already, its handler runs after ours.
+        OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
+        curl_global_init(CURL_GLOBAL_ALL);
     });
 }
 

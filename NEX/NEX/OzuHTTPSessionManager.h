@@ -36,8 +36,8 @@ class OzuHTTPSessionManager {
     /// with an error that says so.
     static const std::set<std::string, std::less<>>& acceptableContentTypes();
 
-    /// Loads what requests and ciphers need, and closes the gate to it for the time of the host's
-    /// exit. Takes milliseconds the first time: not for the main thread.
+    /// Loads what requests and ciphers need, in a way that the host's exit leaves it alone. Takes
+    /// milliseconds the first time: not for the main thread.
     static void prepareLibraries();
 
  private:

@@ -6,7 +6,6 @@
 
 #include "NEX/NEX+PAK/SerializationPAK/PakFailure.h"
 #include "NEX/NEX+PAK/SerializationPAK/ZenAttributeValues.h"
-#include "NEX/NEX/ExitGate.h"
 #include "NEX/common/CCCrypt/CryptData.h"
 #include "NEX/common/CCCrypt/utf8.h"
 #include "platform/base/Bundle.h"
@@ -18,8 +17,6 @@ namespace {
 constexpr std::string_view keyBytes = "\x4B\x91\x7E\x2C\xD3\x0A\x66\xF8";
 
 std::optional<PakData> encrypted(VLSTStat& record) {
-    OzuHTTPSessionManager::prepareLibraries();
-    const vorla::ExitGate::Stay stay;
     return Ozu_desWithKey(record.toData(), vorla::utf8FromLatin1(keyBytes));
 }
 

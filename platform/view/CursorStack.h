@@ -15,6 +15,7 @@ class CursorStack {
     void pop();
     /// Replaces the uppermost cursor; nothing happens on an empty stack.
     void set(const QCursor& cursor);
+    [[nodiscard]] bool isEmpty() const { return depth_ == 0; }
     /// Gives the host its own cursors back.
     void clear();
 

@@ -69,6 +69,13 @@ void VLView::setNeedsDisplayInRect(const VLRect& rect) {
     if (!rect.isEmpty()) update(widgetRect(rect));
 }
 
+void VLView::setNeedsDisplayInRects(const std::vector<VLRect>& rects) {
+    QRegion region;
+    for (const VLRect& rect : rects)
+        if (!rect.isEmpty()) region += widgetRect(rect);
+    update(region);
+}
+
 VLPoint VLView::convertPointFromWindow(VLPoint point) const {
     const QWidget* panel = window();
     const QPointF inPanel(point.x, panel->height() - point.y);

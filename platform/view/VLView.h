@@ -29,6 +29,7 @@ class VLView : public QWidget {
     /// Schedules the view, or a rectangle of it in its own coordinates, for drawing.
     void setNeedsDisplay() { update(); }
     void setNeedsDisplayInRect(const VLRect& rect);
+    void setNeedsDisplayInRects(const std::vector<VLRect>& rects);
 
     /// The rectangle grown to whole widget units, in the widget's own y-down coordinates.
     [[nodiscard]] QRect widgetRect(const VLRect& rect) const;

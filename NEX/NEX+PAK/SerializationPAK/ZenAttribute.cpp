@@ -44,7 +44,7 @@ PakData ZenAttribute::attributeData() const {
 }
 
 std::shared_ptr<ZenAttribute> ZenAttribute::fromAttributeData(std::span<const uint8_t> data) {
-    static const PakDescription description = pakClass().pakPropsDescription().at(0).ext;
+    const PakDescription& description = pakClass().pakPropsDescription().at(0).ext;
     PakInputStream stream(data);
     auto attributes = std::make_shared<ZenAttribute>();
     if (auto read = stream.readDictionary(0, true, description))

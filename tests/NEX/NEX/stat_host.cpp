@@ -30,16 +30,18 @@
 #include "capture/base/StatisticDoor.h"
 #include "platform/base/Bundle.h"
 #include "platform/base/VLLog.h"
+#include "platform/base/raii.h"
 #include "tests/support/TestMainLoop.h"
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
+// Background threads log while the process exits.
 std::mutex logMutex;
 std::vector<std::string>& logLines() {
-    static std::vector<std::string> lines;
-    return lines;
+    static vorla::NoDestructor<std::vector<std::string>> lines;
+    return *lines;
 }
 
 void print(const std::string& line) {

@@ -1,0 +1,357 @@
+// What a session costs on the screen of $DISPLAY: from the start to all panels painted, per pointer
+// move, and in memory; each beside a yardstick measured in the same run. Run it at each size of
+// interest:
+//   VORLA_TEST_SCREEN=3840x2160x24 tests/support/with-display build/release/bin/bench_session
+
+#include <sys/ipc.h>
+#include <sys/resource.h>
+#include <sys/shm.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <xcb/shm.h>
+#include <xcb/xcb.h>
+
+#include <QApplication>
+#include <QFile>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScreen>
+#include <QTimer>
+#include <QWidget>
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "capture/VLCapture.h"
+#include "platform/base/raii.h"
+#include "tests/support/TestProgram.h"
+#include "tests/support/XTestDriver.h"
+
+namespace {
+
+using vorla::MallocPtr;
+using vorla::test::TestProgram;
+using vorla::test::XTestDriver;
+using Clock = std::chrono::steady_clock;
+
+double since(Clock::time_point start) {
+    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+double median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+/// Runs the event loop, asleep between events, until the test holds or a while has passed.
+bool spinUntil(const std::function<bool()>& done, int milliseconds = 5000) {
+    QTimer limit;
+    limit.setSingleShot(true);
+    limit.start(milliseconds);
+    while (!done() && limit.isActive())
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    return done();
+}
+
+void rest(int milliseconds) {
+    spinUntil([] { return false; }, milliseconds);
+}
+
+/// The least that freezing a screen can cost: one grab into kept memory, one blit of it to a window.
+class RawFreeze {
+ public:
+    explicit RawFreeze(XTestDriver& driver)
+        : c_(driver.connection()), screen_(driver.screen()), size_(driver.rootSize()) {
+        const size_t bytes = static_cast<size_t>(size_.width()) * size_.height() * 4;
+        const int id = shmget(IPC_PRIVATE, bytes, IPC_CREAT | 0600);
+        memory_ = shmat(id, nullptr, 0);
+        segment_ = xcb_generate_id(c_);
+        xcb_shm_attach(c_, segment_, static_cast<uint32_t>(id), 0);
+        window_ = xcb_generate_id(c_);
+        const uint32_t unmanaged = 1;
+        xcb_create_window(c_, XCB_COPY_FROM_PARENT, window_, screen_->root, 0, 0, size_.width(),
+                          size_.height(), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, screen_->root_visual,
+                          XCB_CW_OVERRIDE_REDIRECT, &unmanaged);
+        context_ = xcb_generate_id(c_);
+        xcb_create_gc(c_, context_, window_, 0, nullptr);
+        driver.sync();
+        shmctl(id, IPC_RMID, nullptr);
+    }
+    ~RawFreeze() {
+        xcb_free_gc(c_, context_);
+        xcb_destroy_window(c_, window_);
+        xcb_shm_detach(c_, segment_);
+        shmdt(memory_);
+    }
+    RawFreeze(const RawFreeze&) = delete;
+    RawFreeze& operator=(const RawFreeze&) = delete;
+
+    double milliseconds() {
+        const auto start = Clock::now();
+        const MallocPtr<xcb_shm_get_image_reply_t> grabbed(xcb_shm_get_image_reply(
+            c_,
+            xcb_shm_get_image(c_, screen_->root, 0, 0, size_.width(), size_.height(), ~0U,
+                              XCB_IMAGE_FORMAT_Z_PIXMAP, segment_, 0),
+            nullptr));
+        xcb_map_window(c_, window_);
+        xcb_shm_put_image(c_, window_, context_, size_.width(), size_.height(), 0, 0,
+                          size_.width(), size_.height(), 0, 0, screen_->root_depth,
+                          XCB_IMAGE_FORMAT_Z_PIXMAP, 0, segment_, 0);
+        sync();
+        const double took = since(start);
+        xcb_unmap_window(c_, window_);
+        sync();
+        return took;
+    }
+
+ private:
+    void sync() {
+        const MallocPtr<xcb_get_input_focus_reply_t> reply(
+            xcb_get_input_focus_reply(c_, xcb_get_input_focus(c_), nullptr));
+    }
+
+    xcb_connection_t* c_;
+    xcb_screen_t* screen_;
+    QSize size_;
+    void* memory_ = nullptr;
+    xcb_shm_seg_t segment_ = 0;
+    xcb_window_t window_ = 0;
+    xcb_gcontext_t context_ = 0;
+};
+
+/// The plainest overlay that a toolkit program can be: the picture in one full-screen widget, and a
+/// rectangle that follows the pointer.
+class BareOverlay : public QWidget {
+ public:
+    BareOverlay()
+        : QWidget(nullptr, Qt::FramelessWindowHint | Qt::BypassWindowManagerHint),
+          picture_(QGuiApplication::primaryScreen()->grabWindow(0).toImage()) {
+        setAttribute(Qt::WA_OpaquePaintEvent);
+        setMouseTracking(true);
+        setGeometry(QGuiApplication::primaryScreen()->geometry());
+        show();
+        activateWindow();
+    }
+
+ protected:
+    void paintEvent(QPaintEvent* event) override {
+        QPainter painter(this);
+        painter.drawImage(event->rect().topLeft(), picture_, event->rect());
+        painter.setPen(QPen(Qt::red, 2));
+        painter.drawRect(rect_);
+    }
+    void mouseMoveEvent(QMouseEvent* event) override {
+        const QRect before = rect_;
+        rect_ = QRect(QPoint(width() / 4, height() / 4), event->pos()).normalized();
+        update(before.united(rect_).adjusted(-3, -3, 3, 3));
+    }
+
+ private:
+    QImage picture_;
+    QRect rect_;
+};
+
+pid_t serverPid(xcb_connection_t* connection) {
+    ucred peer = {};
+    socklen_t size = sizeof peer;
+    getsockopt(xcb_get_file_descriptor(connection), SOL_SOCKET, SO_PEERCRED, &peer, &size);
+    return peer.pid;
+}
+
+/// Processor time in milliseconds that a process has had, from the scheduler's own count.
+double processorTime(pid_t pid) {
+    QFile file(QStringLiteral("/proc/%1/schedstat").arg(pid));
+    if (!file.open(QIODevice::ReadOnly)) return 0.0;
+    return file.readAll().split(' ').first().toDouble() / 1e6;
+}
+
+double ownProcessorTime() {
+    rusage usage = {};
+    getrusage(RUSAGE_SELF, &usage);
+    const auto milliseconds = [](timeval t) {
+        return static_cast<double>(t.tv_sec) * 1e3 + static_cast<double>(t.tv_usec) / 1e3;
+    };
+    return milliseconds(usage.ru_utime) + milliseconds(usage.ru_stime);
+}
+
+struct MoveCost {
+    double own = 0.0;
+    double server = 0.0;
+};
+
+constexpr int moves = 200;
+
+/// Moves the pointer along a path from another process, so that sending the events is not counted
+/// as ours.
+MoveCost costOfMoves(XTestDriver& driver, const std::function<QPoint(int)>& path) {
+    const pid_t server = serverPid(driver.connection());
+    rest(100);
+    const double ownBefore = ownProcessorTime();
+    const double serverBefore = processorTime(server);
+    const pid_t mover = fork();
+    if (mover == 0) {
+        const auto hand = XTestDriver::create();
+        for (int i = 0; hand && i < moves; ++i) {
+            const QPoint place = path(i);
+            hand->moveTo(place.x(), place.y());
+            usleep(8000);
+        }
+        _exit(0);
+    }
+    QTimer wake;
+    wake.start(50);
+    spinUntil([mover] { return waitpid(mover, nullptr, WNOHANG) == mover; }, 60000);
+    rest(30);
+    return {(ownProcessorTime() - ownBefore) / moves,
+            (processorTime(server) - serverBefore) / moves};
+}
+
+void report(const char* what, MoveCost ours, MoveCost bare) {
+    std::printf("(c) %-36s ours %6.3f ms  server %6.3f ms   bare overlay %6.3f, %6.3f   "
+                "ratio %.2f, %.2f\n",
+                what, ours.own, ours.server, bare.own, bare.server, ours.own / bare.own,
+                ours.server / bare.server);
+}
+
+/// A value of /proc/self/status in KiB.
+double statusValue(const char* key) {
+    QFile file(QStringLiteral("/proc/self/status"));
+    if (!file.open(QIODevice::ReadOnly)) return 0.0;
+    for (const QByteArray& line : file.readAll().split('\n'))
+        if (line.startsWith(key)) return line.simplified().split(' ').value(1).toDouble();
+    return 0.0;
+}
+
+void resetPeak() {
+    QFile file(QStringLiteral("/proc/self/clear_refs"));
+    if (file.open(QIODevice::WriteOnly)) file.write("5");
+}
+
+class Bench : public VLCaptureRequestDelegate, public std::enable_shared_from_this<Bench> {
+ public:
+    explicit Bench(XTestDriver& driver) : driver_(driver), size_(driver.rootSize()) {}
+
+    void captureRequest(VLCaptureRequest& /*request*/, std::span<const std::byte> imageData,
+                        const std::optional<std::string>& /*saveToPath*/,
+                        const std::optional<std::string>& /*error*/) override {
+        delivered_ = imageData.size();
+    }
+
+    bool start() {
+        shown_ = false;
+        delivered_ = 0;
+        request_->delegate = weak_from_this();
+        VLSetPanelsShownHandler([this](int) { shown_ = true; });
+        return VLStartCapture(request_) && spinUntil([this] { return shown_; });
+    }
+
+    void measureStart() {
+        RawFreeze raw(driver_);
+        std::vector<double> ours;
+        std::vector<double> yardstick;
+        for (int round = 0; round < 9; ++round) {
+            rest(200);
+            yardstick.push_back(raw.milliseconds());
+            const auto begin = Clock::now();
+            if (!start()) std::exit(1);
+            driver_.sync();
+            ours.push_back(since(begin));
+            VLCancelCapture();
+        }
+        std::printf("(b) start to all panels painted: first %.1f ms, median %.1f ms; raw grab and "
+                    "blit %.1f ms; ratio %.2f\n",
+                    ours.front(), median(ours), median(yardstick),
+                    median(ours) / median(yardstick));
+    }
+
+    void measureMoves() {
+        const QPoint middle(size_.width() / 2, size_.height() / 2);
+        const auto wander = [middle](int i) { return middle + QPoint(i % 40 * 3, i % 25 * 2); };
+        const int reach = std::min(size_.width(), size_.height()) / 2;
+        const auto stretch = [middle, reach](int i) {
+            const int length = reach / 2 + (i % 50) * reach / 100;
+            return middle / 2 + QPoint(length, length * 3 / 4);
+        };
+        const auto smallStretch = [middle](int i) {
+            return middle / 2 + QPoint(100 + (i % 50) * 4, 80 + (i % 50) * 3);
+        };
+        MoveCost bare;
+        MoveCost bareSmall;
+        {
+            BareOverlay overlay;
+            rest(300);
+            bare = costOfMoves(driver_, stretch);
+            bareSmall = costOfMoves(driver_, smallStretch);
+        }
+        if (!start()) std::exit(1);
+        rest(200);
+        report("snapping, inside one window", costOfMoves(driver_, wander), bareSmall);
+        driver_.moveTo(middle.x() / 2, middle.y() / 2);
+        driver_.press();
+        report("dragging, as large as the screen", costOfMoves(driver_, stretch), bare);
+        report("dragging, 300 points", costOfMoves(driver_, smallStretch), bareSmall);
+        driver_.release();
+        rest(100);
+        VLCancelCapture();
+    }
+
+    void measureMemory(double idle) {
+        rest(300);
+        resetPeak();
+        if (!start()) std::exit(1);
+        driver_.click(5, 5);
+        rest(200);
+        driver_.key("Return");
+        spinUntil([this] { return delivered_ > 0; });
+        const double screen = static_cast<double>(size_.width()) * size_.height() * 4.0 / 1024.0;
+        std::printf("(e) peak of a session that delivers the whole screen: %.0f MiB above the idle "
+                    "host; multiple of the screen %.2f (PNG of %zu KiB)\n",
+                    (statusValue("VmHWM") - idle) / 1024.0,
+                    (statusValue("VmHWM") - idle) / screen, delivered_ / 1024);
+    }
+
+ private:
+    XTestDriver& driver_;
+    QSize size_;
+    std::shared_ptr<VLCaptureRequest> request_ = std::make_shared<VLCaptureRequest>();
+    bool shown_ = false;
+    size_t delivered_ = 0;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    VLSetLogHandler([](std::string_view) {});
+    const auto driver = XTestDriver::create();
+    if (!driver) return 1;
+    const QSize size = driver->rootSize();
+    std::vector<TestProgram> clients;
+    for (const char* place : {"60x60+5+5", "50x60+20+15", "45x50+50+40", "30x30+65+10"}) {
+        int w = 0;
+        int h = 0;
+        int x = 0;
+        int y = 0;
+        std::sscanf(place, "%dx%d+%d+%d", &w, &h, &x, &y);
+        const auto part = [](int percent, int whole) { return std::to_string(percent * whole / 100); };
+        clients.emplace_back(std::vector<std::string>{
+            "--geometry", part(w, size.width()) + "x" + part(h, size.height()) + "+" +
+                              part(x, size.width()) + "+" + part(y, size.height()),
+            "--pattern", "gradient"});
+        clients.back().waitUntilReady();
+    }
+    rest(500);
+    const double idle = statusValue("VmRSS");
+    VLPrepareCapture();
+    rest(300);
+    std::printf("screen %d x %d\n", size.width(), size.height());
+    const auto bench = std::make_shared<Bench>(*driver);
+    bench->measureStart();
+    bench->measureMoves();
+    bench->measureMemory(idle);
+    return 0;
+}

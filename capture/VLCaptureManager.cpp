@@ -1,0 +1,170 @@
+#include "capture/VLCaptureManager.h"
+
+#include <utility>
+
+#include "capture/base/StatisticDoor.h"
+#include "capture/support/VLCaptureThemeManager.h"
+#include "platform/base/MainQueue.h"
+#include "platform/base/VLLog.h"
+#include "platform/view/Application.h"
+#include "platform/view/CursorStack.h"
+#include "platform/view/PanelStack.h"
+
+using vorla::Notification;
+using vorla::NotificationCenter;
+using vorla::WindowServer;
+
+namespace {
+
+constexpr int eventStart = 1017;
+
+std::function<void(int)>& panelsShownHandler() {
+    static std::function<void(int)> handler;
+    return handler;
+}
+
+size_t numberOfScreens() {
+    const auto server = WindowServer::shared();
+    return server ? server->displays().size() : 0;
+}
+
+}  // namespace
+
+std::shared_ptr<VLCaptureManager>& VLCaptureManager::shared() {
+    static std::shared_ptr<VLCaptureManager> instance;
+    return instance;
+}
+
+std::shared_ptr<VLCaptureManager> VLCaptureManager::sharedInstance() {
+    if (!shared()) shared().reset(new VLCaptureManager);
+    return shared();
+}
+
+VLCaptureManager::VLCaptureManager() {
+    VLLog("<VLCaptureManager> init");
+    VLCaptureThemeManager::sharedInstance().resetTheme();
+    screenCount_ = numberOfScreens();
+}
+
+VLCaptureManager::~VLCaptureManager() {
+    VLLog("<VLCaptureManager> dealloc");
+}
+
+void VLCaptureManager::setPanelsShownHandler(std::function<void(int)> handler) {
+    panelsShownHandler() = std::move(handler);
+}
+
+// Start ----------------------------------------------------------------------------------------
+
+bool VLCaptureManager::startCaptureByRequest(const std::shared_ptr<VLCaptureRequest>& request) {
+    vorla::fireStatisticEvent(eventStart);
+    if (isCapturing_) {
+        VLLog("<VLCaptureManager> %s - 已有截图任务正在进行", __func__);
+        return false;
+    }
+    const auto server = WindowServer::shared();
+    if (!request || !server || !vorla::ensureApplication()) {
+        VLLog("<VLCaptureManager> %s - there is nothing to capture from", __func__);
+        return false;
+    }
+    VLLog("<VLCaptureManager> %s - 开始截图", __func__);
+    isCapturing_ = true;
+    request_ = request;
+    delegate_ = request->delegate.lock();
+    const auto screens = server->displays();
+    panelsAwaited_ = screens.size();
+    for (const auto& screen : screens) {
+        VLLog("获取屏幕数:%zu", screens.size());
+        captureFrame({0.0, 0.0, screen.frame.width, screen.frame.height}, screen);
+    }
+    addObserver();
+    return true;
+}
+
+void VLCaptureManager::captureFrame(const VLRect& frame, const vorla::Display& screen) {
+    // Held weakly: a session that is cancelled before its panels are made must not open them.
+    vorla::MainQueue::post([manager = weak_from_this(), frame, screen] {
+        const auto self = manager.lock();
+        if (self && self->isCapturing_) self->openPanel(frame, screen);
+    });
+}
+
+void VLCaptureManager::openPanel(const VLRect& frame, const vorla::Display& screen) {
+    const auto controller = VLCaptureWindowController::create(frame, screen);
+    if (!controller) return;
+    windowControllers_.push_back(controller);
+    controller->setDelegate(weak_from_this());
+    controller->setPaintedHandler([manager = weak_from_this()] {
+        if (const auto self = manager.lock()) self->panelWasPainted();
+    });
+    controller->becomeActive();
+}
+
+void VLCaptureManager::panelWasPainted() {
+    if (--panelsAwaited_ == 0 && panelsShownHandler())
+        panelsShownHandler()(static_cast<int>(windowControllers_.size()));
+}
+
+void VLCaptureManager::addObserver() {
+    const auto cancel = [this](const Notification& n) { handleCaptureCancelNotification(n); };
+    observers_.observe(vorla::NSApplicationWillResignActiveNotification, cancel);
+    observers_.observe(vorla::NSApplicationWillHideNotification, cancel);
+    observers_.observe(NSWorkspaceActiveSpaceDidChangeNotification, cancel);
+    observers_.observe(NSApplicationDidChangeScreenParametersNotification,
+                       [this](const Notification&) { handleScreenParametersNotification(); });
+    if (const auto server = WindowServer::shared()) {
+        server->onDisplaysChanged = [] {
+            NotificationCenter::defaultCenter().post(
+                NSApplicationDidChangeScreenParametersNotification);
+        };
+        server->onActiveSpaceChanged = [] {
+            NotificationCenter::defaultCenter().post(NSWorkspaceActiveSpaceDidChangeNotification);
+        };
+    }
+}
+
+// End ------------------------------------------------------------------------------------------
+
+void VLCaptureManager::cancelCapture() {
+    clean();
+}
+
+void VLCaptureManager::captureDidCancel() {
+    const auto keptAlive = shared_from_this();
+    VLLog("%s 取消截图", __func__);
+    if (const auto delegate = delegate_) delegate->captureRequestDidCancel(*request_);
+    clean();
+}
+
+void VLCaptureManager::handleCaptureCancelNotification(const Notification& notification) {
+    VLLog("收到通知 %s，取消截屏", notification.name.c_str());
+    captureDidCancel();
+}
+
+void VLCaptureManager::handleScreenParametersNotification() {
+    const char* name = NSApplicationDidChangeScreenParametersNotification;
+    VLLog("收到通知 %s，取消截屏", name);
+    if (screenCount_ != numberOfScreens())
+        captureDidCancel();
+    else
+        VLLog("收到通知 %s，但是屏幕个数没有变", name);
+}
+
+void VLCaptureManager::cleanCaptureWindow() {
+    for (const auto& controller : std::exchange(windowControllers_, {})) {
+        VLLog("关闭窗体%p", static_cast<void*>(controller->window()));
+        controller->closeWindow();
+    }
+    vorla::CursorStack::shared().clear();
+    if (const auto server = WindowServer::shared()) server->releaseWindows();
+}
+
+void VLCaptureManager::clean() {
+    const auto keptAlive = shared_from_this();
+    observers_.clear();
+    cleanCaptureWindow();
+    isCapturing_ = false;
+    delegate_.reset();
+    // A save that ends late must not drop the manager of the next session.
+    if (shared().get() == this) shared().reset();
+}

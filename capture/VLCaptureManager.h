@@ -1,0 +1,87 @@
+#pragma once
+
+#include <QImage>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "capture/VLCaptureRequest.h"
+#include "capture/VLCaptureWindowController.h"
+#include "platform/base/NotificationCenter.h"
+#include "platform/base/geometry.h"
+#include "platform/windowserver/WindowServer.h"
+
+class QByteArray;
+
+/// Runs one capture session from its start to its end.
+///
+/// The process's instance is made at first use and dropped at the end of every session, so that
+/// each session runs on a fresh one. A session ends in exactly one way: cancelled, delivered to the
+/// pasteboard, or delivered to a file. Main thread.
+class VLCaptureManager : public VLCaptureWindowControllerDelegate,
+                         public std::enable_shared_from_this<VLCaptureManager> {
+ public:
+    static std::shared_ptr<VLCaptureManager> sharedInstance();
+    ~VLCaptureManager() override;
+
+    [[nodiscard]] bool isCapturing() const { return isCapturing_; }
+    /// One for each screen, in the desktop's order, once its panel was made.
+    [[nodiscard]] const std::vector<std::shared_ptr<VLCaptureWindowController>>& windowControllers()
+        const {
+        return windowControllers_;
+    }
+
+    /// False when a session runs already or no window server answers; nothing has changed then.
+    bool startCaptureByRequest(const std::shared_ptr<VLCaptureRequest>& request);
+    /// Ends the session without a word to the delegate.
+    void cancelCapture();
+
+    void captureDidCancel() override;
+    void captureDidFinishWithImage(const QImage& image, bool needSave,
+                                   bool isHighResolution) override;
+
+    /// Closes all panels.
+    void cleanCaptureWindow();
+    /// Ends everything of the session; may be called again.
+    void clean();
+
+    /// Plays the shutter, if the framework has its sound.
+    void playSound();
+    /// Hands the picture to the pasteboard and to the delegate, encoded once, and cleans.
+    void writeImageToPasteboard(const QImage& image);
+    /// Asks the user for a place, saves there, and tells the delegate. The dialog outlives the
+    /// session; when it is cancelled nothing more happens.
+    void saveImage(const QImage& image, bool isHighResolution);
+    /// Saves to the last place without asking, and tells the delegate.
+    void defaultSaveImage(const QImage& image, bool isHighResolution);
+
+    /// See `VLSetPanelsShownHandler`.
+    static void setPanelsShownHandler(std::function<void(int screens)> handler);
+
+ private:
+    VLCaptureManager();
+    static std::shared_ptr<VLCaptureManager>& shared();
+
+    void captureFrame(const VLRect& frame, const vorla::Display& screen);
+    void openPanel(const VLRect& frame, const vorla::Display& screen);
+    void panelWasPainted();
+    void addObserver();
+    void handleCaptureCancelNotification(const vorla::Notification& notification);
+    void handleScreenParametersNotification();
+
+    bool isCapturing_ = false;
+    std::shared_ptr<VLCaptureRequest> request_;
+    std::shared_ptr<VLCaptureRequestDelegate> delegate_;
+    std::vector<std::shared_ptr<VLCaptureWindowController>> windowControllers_;
+    size_t screenCount_ = 0;
+    size_t panelsAwaited_ = 0;
+    vorla::NotificationObservers observers_;
+};
+
+/// Broadcast when displays were added, removed, moved or resized.
+inline constexpr const char* NSApplicationDidChangeScreenParametersNotification =
+    "NSApplicationDidChangeScreenParametersNotification";
+/// Broadcast when another workspace became the active one.
+inline constexpr const char* NSWorkspaceActiveSpaceDidChangeNotification =
+    "NSWorkspaceActiveSpaceDidChangeNotification";

@@ -1,0 +1,84 @@
+#include "capture/VLCaptureWindow.h"
+
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QScreen>
+
+#include "capture/base/StatisticDoor.h"
+#include "platform/base/VLLog.h"
+#include "platform/windowserver/WindowServer.h"
+#include "selection/VLCaptureViewController.h"
+
+using vorla::Notification;
+using vorla::NotificationCenter;
+
+namespace {
+
+constexpr int panelLevel = 27;
+constexpr int eventEsc = 1011;
+constexpr int eventRightButton = 1012;
+constexpr int eventManyClicks = 1013;
+constexpr int eventReturn = 1014;
+
+/// The toolkit's screen for a display of the window server.
+QScreen* toolkitScreen(const vorla::Display& display) {
+    const QPoint origin(display.nativeFrame.x, display.nativeFrame.y);
+    for (QScreen* screen : QGuiApplication::screens())
+        if (screen->geometry().topLeft() == origin &&
+            screen->name() == QString::fromStdString(display.name))
+            return screen;
+    for (QScreen* screen : QGuiApplication::screens())
+        if (screen->geometry().topLeft() == origin) return screen;
+    return QGuiApplication::primaryScreen();
+}
+
+}  // namespace
+
+VLCaptureWindow::VLCaptureWindow() : VLPanel(panelLevel) {
+    observers_.observe(VLNotificationCaptureDidConfirmSelection,
+                       [this](const Notification&) { responseToReturn_ = true; });
+}
+
+QPointer<VLCaptureWindow> VLCaptureWindow::captureWindowWithFrame(const VLRect& /*frame*/,
+                                                                  const vorla::Display& screen) {
+    QScreen* target = toolkitScreen(screen);
+    if (!target) return nullptr;
+    QPointer<VLCaptureWindow> panel(new VLCaptureWindow);
+    panel->coverScreen(target);
+    return panel;
+}
+
+void VLCaptureWindow::cancel() {
+    if (const auto delegate = windowDelegate_.lock()) delegate->captureDidCancel();
+}
+
+bool VLCaptureWindow::performKeyEquivalent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape) {
+        VLLog("<VLCaptureWindow> %s - Esc", __func__);
+        vorla::fireStatisticEvent(eventEsc);
+        cancel();
+        return true;
+    }
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isReturn && responseToReturn_) {
+        VLLog("<VLCaptureWindow> %s - Return", __func__);
+        vorla::fireStatisticEvent(eventReturn);
+        NotificationCenter::defaultCenter().post(NotificationCaptureDidFinish);
+        return true;
+    }
+    return VLPanel::performKeyEquivalent(event);
+}
+
+void VLCaptureWindow::mouseDown(const VLMouseEvent& event) {
+    VLPanel::mouseDown(event);
+    if (event.clickCount <= 2 || !responseToReturn_) return;
+    vorla::fireStatisticEvent(eventManyClicks);
+    NotificationCenter::defaultCenter().post(NotificationCaptureDidFinish);
+}
+
+void VLCaptureWindow::rightMouseDown(const VLMouseEvent& event) {
+    VLLog("<VLCaptureWindow> %s", __func__);
+    vorla::fireStatisticEvent(eventRightButton);
+    cancel();
+    VLPanel::rightMouseDown(event);
+}

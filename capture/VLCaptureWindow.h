@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QPointer>
+#include <memory>
+
+#include "platform/base/NotificationCenter.h"
+#include "platform/view/VLPanel.h"
+
+namespace vorla {
+struct Display;
+}
+
+class VLCaptureWindowDelegate {
+ public:
+    virtual ~VLCaptureWindowDelegate() = default;
+    virtual void captureDidCancel() {}
+};
+
+/// The panel over one screen. Turns Esc, Return, the right mouse button and a third click into the
+/// session's events. Main thread.
+class VLCaptureWindow : public VLPanel {
+ public:
+    /// A panel that exactly covers the screen, not shown yet.
+    static QPointer<VLCaptureWindow> captureWindowWithFrame(const VLRect& frame,
+                                                            const vorla::Display& screen);
+
+    void setWindowDelegate(std::weak_ptr<VLCaptureWindowDelegate> delegate) {
+        windowDelegate_ = std::move(delegate);
+    }
+    /// Set once a selection was confirmed on any screen: from then on Return delivers.
+    [[nodiscard]] bool responseToReturn() const { return responseToReturn_; }
+
+ protected:
+    bool performKeyEquivalent(QKeyEvent* event) override;
+    void mouseDown(const VLMouseEvent& event) override;
+    void rightMouseDown(const VLMouseEvent& event) override;
+
+ private:
+    VLCaptureWindow();
+    void cancel();
+
+    std::weak_ptr<VLCaptureWindowDelegate> windowDelegate_;
+    bool responseToReturn_ = false;
+    vorla::NotificationObservers observers_;
+};

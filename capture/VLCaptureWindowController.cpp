@@ -1,0 +1,148 @@
+#include "capture/VLCaptureWindowController.h"
+
+#include "capture/support/VLCaptureThemeManager.h"
+#include "capture/support/VLCaptureUtilities.h"
+#include "platform/base/Bundle.h"
+#include "platform/base/VLLog.h"
+
+using vorla::Notification;
+using vorla::ServerWindow;
+using vorla::WindowServer;
+
+namespace {
+
+/// The host's own windows above this layer are panels and menus of its interface.
+constexpr int32_t highestOrdinaryLayer = 25;
+
+}  // namespace
+
+std::shared_ptr<VLCaptureWindowController> VLCaptureWindowController::create(
+    const VLRect& frame, const vorla::Display& screen) {
+    VLLog("<VLCaptureWindowController> %s {{%g, %g}, {%g, %g}}", __func__, frame.x, frame.y,
+          frame.width, frame.height);
+    if (screen.displayID == 0) return nullptr;
+    std::shared_ptr<VLCaptureWindowController> controller(new VLCaptureWindowController(screen));
+    controller->build(frame);
+    return controller;
+}
+
+VLCaptureWindowController::VLCaptureWindowController(const vorla::Display& screen)
+    : screen_(screen),
+      displayID_(VLCaptureUtilities::displayIDofScreen(screen)),
+      scaleFactor_(screen.scale),
+      screenFrame_(screen.frame) {}
+
+VLCaptureWindowController::~VLCaptureWindowController() {
+    VLLog("<VLCaptureWindowController> dealloc");
+    closeWindow();
+}
+
+void VLCaptureWindowController::build(const VLRect& frame) {
+    windowInfoArray_ = windowInfoArrayOfScreenFrame(screenFrame_);
+    for (const auto& info : windowInfoArray_) info->frozenScreen = screenImage();
+    if (const auto server = WindowServer::shared()) server->keepWindows();
+    window_ = VLCaptureWindow::captureWindowWithFrame(frame, screen_);
+    if (!window_) return;
+    window_->setWindowDelegate(weak_from_this());
+    captureViewController_ = VLCaptureViewController::create(frame, screenImage());
+    if (captureViewController_) {
+        captureViewController_->setDelegate(weak_from_this());
+        window_->setContentView(captureViewController_->view());
+    }
+    observers_.observe(NotificationCaptureDidCancel,
+                       [this](const Notification&) { captureDidCancel(); });
+    registerForChangeThemeNotification();
+}
+
+const QImage& VLCaptureWindowController::screenImage() {
+    if (screenImage_.isNull()) screenImage_ = VLCaptureUtilities::imageOfScreen(screen_);
+    return screenImage_;
+}
+
+void VLCaptureWindowController::registerForChangeThemeNotification() {
+    observers_.observe(VLCaptureNotificationForChangeTheme,
+                       [this](const Notification&) { handleChangeThemeNotification(); });
+}
+
+void VLCaptureWindowController::handleChangeThemeNotification() {
+    VLLog("<VLCaptureWindowController> %s", __func__);
+    if (captureViewController_) captureViewController_->configAppearanceAndLayout();
+}
+
+void VLCaptureWindowController::becomeActive() {
+    if (!window_) return;
+    window_->makeKeyAndOrderFront();
+    window_->orderFrontRegardless();
+    VLLog("<VLCaptureWindowController> %s", __func__);
+}
+
+void VLCaptureWindowController::closeWindow() {
+    if (window_) window_->closePanel();
+}
+
+void VLCaptureWindowController::setPaintedHandler(std::function<void()> handler) {
+    if (window_) window_->onFirstPaint = std::move(handler);
+}
+
+std::shared_ptr<VLCaptureWindowInfo> VLCaptureWindowController::recordOfWindow(
+    const ServerWindow& window, const VLRect& frame) const {
+    const bool special = window.ownerName == VLGoogleChrome || window.ownerName == VLIbisBrowser;
+    auto info =
+        special ? std::make_shared<VLSpecialWindowInfo>() : std::make_shared<VLCaptureWindowInfo>();
+    info->windowFrame = window.bounds.offsetBy(-frame.x, -frame.y);
+    info->windowID = window.number;
+    info->pid = window.pid;
+    info->name = window.ownerName;
+    info->scaleFactor = scaleFactor_;
+    info->displayID = displayID_;
+    return info;
+}
+
+std::vector<std::shared_ptr<VLCaptureWindowInfo>>
+VLCaptureWindowController::windowInfoArrayOfScreenFrame(const VLRect& frame) {
+    const auto server = WindowServer::shared();
+    const auto windows = server ? server->windows(displayID_) : std::nullopt;
+    if (!windows) return {};
+    VLLog("%s 取得屏幕内(%s)的窗口数为 %zu", __func__, screen_.name.c_str(), windows->size());
+    const std::string hostName = vorla::HostIdentity::displayName();
+    const std::string activeName = VLCaptureUtilities::getFirstActiveWindowName();
+    bool metKeyWindow = false;
+    std::vector<std::shared_ptr<VLCaptureWindowInfo>> records;
+    for (const ServerWindow& window : *windows) {
+        // A window that fills the screen is no target of its own: the Desktop record stands for it.
+        if (frame.intersection(window.bounds).isZero() || window.bounds == frame) continue;
+        if (window.layer < 0) continue;
+        if (window.layer > highestOrdinaryLayer && window.ownerName == hostName) continue;
+        const auto info = recordOfWindow(window, frame);
+        if (!metKeyWindow && !activeName.empty() && activeName == window.ownerName) {
+            metKeyWindow = true;
+            VLLog("生成当前keyWindow截图， name:%s   windowId:%u", info->name.c_str(),
+                  info->windowID);
+            info->frozenScreen = screenImage();
+            info->windowImageIsKeyWindow(true);
+        }
+        records.push_back(info);
+    }
+    records.push_back(VLCaptureWindowInfo::desktopInfo(frame.size(), scaleFactor_));
+    VLLog("%s 经过滤后 取得屏幕内(%s)的窗口数为 %zu", __func__, screen_.name.c_str(),
+          records.size());
+    return records;
+}
+
+std::shared_ptr<VLCaptureWindowInfo> VLCaptureWindowController::windowInfoAtPostion(VLPoint point) {
+    for (const auto& info : windowInfoArray_)
+        if (info->windowFrame.containsPoint(point) && !info->isTransparent()) return info;
+    return windowInfoArray_.empty() ? nullptr : windowInfoArray_.back();
+}
+
+void VLCaptureWindowController::captureDidCancel() {
+    const auto keptAlive = shared_from_this();
+    if (const auto delegate = delegate_.lock()) delegate->captureDidCancel();
+}
+
+void VLCaptureWindowController::captureDidFinishWithImage(const QImage& image, bool needSave) {
+    const auto keptAlive = shared_from_this();
+    VLLog("<VLCaptureWindowController> %s", __func__);
+    if (const auto delegate = delegate_.lock())
+        delegate->captureDidFinishWithImage(image, needSave, scaleFactor_ > 1.0);
+}

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <QImage>
+#include <QPointer>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "capture/VLCaptureWindow.h"
+#include "capture/support/VLCaptureWindowInfo.h"
+#include "platform/base/NotificationCenter.h"
+#include "platform/windowserver/WindowServer.h"
+#include "selection/VLCaptureViewController.h"
+
+/// Posted by the toolbar's Cancel button; the object is a false `bool`.
+inline constexpr const char* NotificationCaptureDidCancel = "notificationcapturedidcancel";
+
+class VLCaptureWindowControllerDelegate {
+ public:
+    virtual ~VLCaptureWindowControllerDelegate() = default;
+    virtual void captureDidCancel() {}
+    virtual void captureDidFinishWithImage(const QImage& /*image*/, bool /*needSave*/,
+                                           bool /*isHighResolution*/) {}
+};
+
+/// Everything that a session puts on one screen: the frozen picture, the windows to snap to, the
+/// panel and the surface on it. Main thread.
+class VLCaptureWindowController : public VLCaptureWindowDelegate,
+                                  public VLCaptureViewControllerDelegate,
+                                  public std::enable_shared_from_this<VLCaptureWindowController> {
+ public:
+    /// Reads the windows and takes the picture, then builds the panel, in that order: nothing of
+    /// ours is in the picture. `frame` has the screen's size at the zero point. Null when there is
+    /// no such screen. Without a picture the panel stays empty.
+    static std::shared_ptr<VLCaptureWindowController> create(const VLRect& frame,
+                                                             const vorla::Display& screen);
+    ~VLCaptureWindowController() override;
+
+    void setDelegate(std::weak_ptr<VLCaptureWindowControllerDelegate> delegate) {
+        delegate_ = std::move(delegate);
+    }
+
+    /// Shows the panel and gives it the keyboard.
+    void becomeActive();
+    void closeWindow();
+
+    [[nodiscard]] VLCaptureWindow* window() const { return window_; }
+    [[nodiscard]] const std::shared_ptr<VLCaptureViewController>& captureViewController() const {
+        return captureViewController_;
+    }
+    [[nodiscard]] const std::vector<std::shared_ptr<VLCaptureWindowInfo>>& windowInfoArray() const {
+        return windowInfoArray_;
+    }
+
+    /// Called once when the panel's first picture is on the screen.
+    void setPaintedHandler(std::function<void()> handler);
+
+    /// The windows that the selection may snap to, front to back, and last the Desktop record;
+    /// empty when the window server gave no list. `frame` is the screen's global frame.
+    std::vector<std::shared_ptr<VLCaptureWindowInfo>> windowInfoArrayOfScreenFrame(
+        const VLRect& frame);
+
+    /// The front-most window that the point (local to the screen) is in and that is not transparent
+    /// in its middle; the last record when there is none.
+    std::shared_ptr<VLCaptureWindowInfo> windowInfoAtPostion(VLPoint point) override;
+    void captureDidCancel() override;
+    void captureDidFinishWithImage(const QImage& image, bool needSave) override;
+
+ private:
+    explicit VLCaptureWindowController(const vorla::Display& screen);
+    void build(const VLRect& frame);
+    void registerForChangeThemeNotification();
+    void handleChangeThemeNotification();
+    const QImage& screenImage();
+    [[nodiscard]] std::shared_ptr<VLCaptureWindowInfo> recordOfWindow(
+        const vorla::ServerWindow& window, const VLRect& frame) const;
+
+    vorla::Display screen_;
+    uint32_t displayID_;
+    double scaleFactor_;
+    VLRect screenFrame_;
+    std::weak_ptr<VLCaptureWindowControllerDelegate> delegate_;
+    std::vector<std::shared_ptr<VLCaptureWindowInfo>> windowInfoArray_;
+    QImage screenImage_;
+    QPointer<VLCaptureWindow> window_;
+    std::shared_ptr<VLCaptureViewController> captureViewController_;
+    vorla::NotificationObservers observers_;
+};

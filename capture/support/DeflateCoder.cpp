@@ -1,0 +1,159 @@
+#include "capture/support/DeflateCoder.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace vorla {
+namespace {
+
+constexpr int kShortest = 4;
+constexpr int kLongest = 258;
+constexpr int kInsertedOfLong = 32;  // places of a long repetition that the table remembers
+constexpr int kNowhere = std::numeric_limits<int32_t>::min() / 2;
+
+template <typename Word>
+Word load(const uint8_t* at) {
+    Word word;
+    std::memcpy(&word, at, sizeof word);
+    return word;
+}
+
+int commonLength(const uint8_t* a, const uint8_t* b, int limit) {
+    int length = 0;
+    while (length < limit) {
+        const uint64_t difference = load<uint64_t>(a + length) ^ load<uint64_t>(b + length);
+        if (difference != 0) return std::min(limit, length + (std::countr_zero(difference) >> 3));
+        length += 8;
+    }
+    return limit;
+}
+
+}  // namespace
+
+DeflateCoder::DeflateCoder() : heads_(size_t{1} << kHashBits), previous_(kHistory) {
+    sequences_.reserve(kMaximumSequences);
+}
+
+void DeflateCoder::start(std::span<const uint8_t> window, size_t history) {
+    std::fill(heads_.begin(), heads_.end(), kNowhere);
+    data_ = window.data();
+    size_ = static_cast<int>(window.size());
+    inserted_ = static_cast<int>(history > kHistory ? history - kHistory : 0);
+    sequences_.clear();
+    judgeBy(6.0);
+}
+
+void DeflateCoder::insertUpTo(int position) {
+    const int end = std::min(position, size_ - kShortest + 1);
+    for (; inserted_ < end; ++inserted_) {
+        const uint32_t hash = load<uint32_t>(data_ + inserted_) * 0x9e3779b1U >> (32 - kHashBits);
+        previous_[static_cast<size_t>(inserted_) % kHistory] = heads_[hash];
+        heads_[hash] = inserted_;
+    }
+    inserted_ = std::max(inserted_, position);
+}
+
+DeflateCoder::Match DeflateCoder::find(int position, int longerThan, const Effort& effort) {
+    Match best;
+    const int limit = std::min(kLongest, size_ - position);
+    if (limit < kShortest || limit <= longerThan) return best;
+    insertUpTo(position);
+    const uint8_t* here = data_ + position;
+    const uint32_t word = load<uint32_t>(here);
+    int candidate = heads_[word * 0x9e3779b1U >> (32 - kHashBits)];
+    const int oldest = std::max(0, position - static_cast<int>(kHistory));
+    int longest = std::max(longerThan, kShortest - 1);
+    for (int tries = effort.candidates; candidate >= oldest && tries > 0; --tries) {
+        const uint8_t* there = data_ + candidate;
+        if (load<uint32_t>(there) == word && there[longest] == here[longest]) {
+            const int length = commonLength(there, here, limit);
+            const int distance = position - candidate;
+            if (length > longest &&
+                (length >= kJudgedLengths || distance <= farthest_[static_cast<size_t>(length)])) {
+                best = {length, distance};
+                longest = length;
+                if (length >= effort.goodLength || length == limit) break;
+            }
+        }
+        const int next = previous_[static_cast<size_t>(candidate) % kHistory];
+        if (next >= candidate) break;
+        candidate = next;
+    }
+    return best;
+}
+
+void DeflateCoder::judgeBy(double literalBits) {
+    // A repetition pays if its literals would cost more: about 7 bits for the length, 4 for the
+    // distance's slot, and the extra bits of the distance.
+    for (int length = 0; length < kJudgedLengths; ++length) {
+        const double spare = length * literalBits - 11.0;
+        farthest_[static_cast<size_t>(length)] = spare < 0 ? 0
+                                                 : spare > 14
+                                                     ? static_cast<int>(kHistory)
+                                                     : static_cast<int>(std::exp2(spare + 1));
+    }
+}
+
+void DeflateCoder::finishBlock(BitWriter& writer, int from, int end, bool isFinal) {
+    const std::span bytes(data_ + from, static_cast<size_t>(end - from));
+    judgeBy(writeDeflateBlock(writer, bytes, sequences_, isFinal));
+    sequences_.clear();
+}
+
+void DeflateCoder::skipLong(int end) {
+    inserted_ = std::max(inserted_, end - kInsertedOfLong);
+}
+
+void DeflateCoder::code(std::span<const uint8_t> window, size_t history, Effort effort,
+                        bool isFinal, std::vector<uint8_t>& out) {
+    start(window, history);
+    BitWriter writer(out);
+    int position = static_cast<int>(history);
+    int blockStart = position, literalStart = position, misses = 0;
+    size_t symbols = 0;
+    while (position < size_) {
+        if (sequences_.size() + 1 >= kMaximumSequences ||
+            symbols + static_cast<size_t>(position - literalStart) >= kMaximumSymbols) {
+            sequences_.push_back({static_cast<uint32_t>(position - literalStart), 0, 0});
+            finishBlock(writer, blockStart, position, false);
+            blockStart = literalStart = position;
+            symbols = 0;
+        }
+        Match match = find(position, 0, effort);
+        if (match.length == 0) {
+            position = std::min(size_, position + 1 + misses++ / effort.missesPerStep);
+            continue;
+        }
+        misses = 0;
+        while (match.length < effort.goodLength) {
+            const Match next = find(position + 1, match.length, effort);
+            if (next.length <= match.length) break;
+            match = next;
+            ++position;
+        }
+        const auto literals = static_cast<uint32_t>(position - literalStart);
+        sequences_.push_back(
+            {literals, static_cast<uint16_t>(match.length), static_cast<uint16_t>(match.distance)});
+        symbols += literals + 1;
+        position += match.length;
+        literalStart = position;
+        if (match.length > 2 * kInsertedOfLong) skipLong(position);
+    }
+    sequences_.push_back({static_cast<uint32_t>(position - literalStart), 0, 0});
+    finishBlock(writer, blockStart, position, isFinal);
+    if (isFinal) {
+        writer.begin(8);
+        writer.align();
+    } else {
+        writer.begin(64);
+        writer.add(0, 3);
+        writer.align();
+        writer.add(0xffff0000U, 32);
+    }
+    writer.end();
+}
+
+}  // namespace vorla

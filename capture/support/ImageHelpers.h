@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+#include <string>
+
+#include "platform/base/geometry.h"
+
+namespace vorla {
+
+// What the rest of the program asks of a picture. A picture's size in points is its size in pixels
+// divided by its device pixel ratio. Any thread.
+
+/// Width and height in pixels; the zero size for a null image.
+VLSize pixelSize(const QImage& image);
+
+/// Whether the picture has more than one pixel to a point.
+bool isHighReolution(const QImage& image);
+
+/// Writes the picture as a file of `fileType` (see ImageEncoding.h). A leading "~" stands for the
+/// home directory, and missing folders are created: a picture must not be lost because its folder
+/// was removed meanwhile. The file appears whole or not at all, an older one of that name is then
+/// replaced. False without a path or an image; on failure also logs the reason.
+bool saveToFile(const QImage& image, const std::string& path, int fileType);
+/// The same for a picture that is encoded already.
+bool saveToFile(const QByteArray& bytes, const std::string& path);
+
+/// The picture with one pixel to a point, at the same size in points (rounded to whole pixels, at
+/// least one). Null for one that is not of high resolution, or if memory runs out.
+QImage convert2Xto1XImage(const QImage& image);
+
+/// A black rounded rectangle on clear ground, for use as a mask. `size` and `cornerRadius` are in
+/// points, the radius at most half of the shorter side. Null for an empty size.
+QImage generateImageWithSize(const VLSize& size, double cornerRadius, double devicePixelRatio = 1);
+
+}  // namespace vorla

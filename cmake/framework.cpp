@@ -1,0 +1,1 @@
+// The shared library is made of the folders' archives and has no code of its own.

@@ -1,0 +1,1 @@
+// Carries the precompiled header; see the top CMakeLists.txt.

@@ -1,0 +1,35 @@
+#include "HostOptions.h"
+
+#include <QCommandLineParser>
+#include <cstdio>
+
+std::optional<HostOptions> HostOptions::parse(const QStringList& arguments) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        "Sample host of the capture framework. Prints what it hears as one JSON object a line.");
+    const QCommandLineOption help = parser.addHelpOption();
+    parser.addOptions({
+        {"once", "Start a capture at launch, exit after the session."},
+        {"out", "Write the delivered PNG to <file>.", "file"},
+        {"show-switch", "Offer the switch to the recorder."},
+        {"silent-save", "Save to the last place without asking."},
+        {"supply-id", "Be the host product <number>; chooses the theme.", "number"},
+        {"state-dir", "Keep all settings and files under <dir>.", "dir"},
+        {"stat-url", "Send the usage statistics to <url>.", "url"},
+        {"crash-url", "Send crash reports to <url>.", "url"},
+    });
+    const bool understood = parser.parse(arguments);
+    if (!understood) std::fprintf(stderr, "%s\n", qPrintable(parser.errorText()));
+    if (understood && parser.isSet(help)) std::fputs(qPrintable(parser.helpText()), stdout);
+    if (!understood || parser.isSet(help)) return std::nullopt;
+    HostOptions options;
+    options.once = parser.isSet("once");
+    options.showSwitch = parser.isSet("show-switch");
+    options.silentSave = parser.isSet("silent-save");
+    options.outFile = parser.value("out");
+    options.supplyID = parser.value("supply-id");
+    options.stateDir = parser.value("state-dir");
+    options.statURL = parser.value("stat-url");
+    options.crashURL = parser.value("crash-url");
+    return options;
+}

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+/// What the command line asks of the sample host.
+struct HostOptions {
+    bool once = false;
+    bool showSwitch = false;
+    bool silentSave = false;
+    QString outFile;
+    QString supplyID;
+    QString stateDir;
+    QString statURL;
+    QString crashURL;
+
+    /// Reads the arguments. Nothing (with a message on standard error) when they make no sense, and
+    /// after --help.
+    static std::optional<HostOptions> parse(const QStringList& arguments);
+};

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QLabel>
+#include <QPushButton>
+#include <QWidget>
+#include <functional>
+
+/// The host's window: a button that captures, and the last picture.
+class HostWindow : public QWidget {
+ public:
+    explicit HostWindow(std::function<void()> capture);
+
+    void showPicture(const QImage& picture, const QString& message);
+    void showMessage(const QString& message);
+
+ protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+ private:
+    void fitPicture();
+
+    QPixmap picture_;
+    QLabel* view_;
+    QLabel* message_;
+};

@@ -1,0 +1,151 @@
+// A small real program that embeds the framework. It is also how tests and benchmarks drive it from
+// outside: everything it hears goes to standard output, one JSON object a line.
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QIcon>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QMenu>
+#include <QStyle>
+#include <QSystemTrayIcon>
+#include <QTimer>
+#include <cstdio>
+#include <memory>
+
+#include "HostOptions.h"
+#include "HostWindow.h"
+#include "capture/VLCapture.h"
+
+namespace {
+
+void report(const QJsonObject& event) {
+    const QByteArray line = QJsonDocument(event).toJson(QJsonDocument::Compact) + '\n';
+    std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stdout);
+    std::fflush(stdout);
+}
+
+void report(const char* event) { report(QJsonObject{{"event", event}}); }
+
+/// Puts every per-user file under one directory.
+void useStateDirectory(const QString& directory) {
+    const QByteArray root = QFile::encodeName(QDir(directory).absolutePath());
+    qputenv("XDG_CONFIG_HOME", root + "/config");
+    qputenv("XDG_DATA_HOME", root + "/data");
+    qputenv("XDG_STATE_HOME", root + "/state");
+    qputenv("XDG_CACHE_HOME", root + "/cache");
+}
+
+class Host : public VLCaptureRequestDelegate {
+ public:
+    explicit Host(HostOptions options)
+        : options_(std::move(options)), window_([this] { capture(); }) {}
+
+    void start(const std::shared_ptr<Host>& self) {
+        request_->showSwitch = options_.showSwitch;
+        request_->needSelectSavePath = !options_.silentSave;
+        request_->delegate = self;
+        VLSetPanelsShownHandler([](int screens) {
+            report(QJsonObject{{"event", "panels"}, {"screens", screens}});
+        });
+        VLPrepareCapture();
+        if (!options_.once) {
+            window_.show();
+            makeTrayEntry();
+        }
+        QTimer::singleShot(0, [this] {
+            report("ready");
+            if (options_.once) capture();
+        });
+    }
+
+    void captureRequestDidCancel(VLCaptureRequest& /*request*/) override {
+        report("cancelled");
+        window_.showMessage(QStringLiteral("Cancelled."));
+        sessionEnded();
+    }
+
+    void captureRequestDidChange(VLCaptureRequest& /*request*/) override {
+        report("changed");
+        window_.showMessage(QStringLiteral("Over to the recorder."));
+        sessionEnded();
+    }
+
+    void captureRequest(VLCaptureRequest& /*request*/, std::span<const std::byte> imageData,
+                        const std::optional<std::string>& saveToPath,
+                        const std::optional<std::string>& /*error*/) override {
+        const QByteArray png(reinterpret_cast<const char*>(imageData.data()),
+                             static_cast<qsizetype>(imageData.size()));
+        if (!options_.outFile.isEmpty()) writeOut(png);
+        report(QJsonObject{{"event", "finished"},
+                           {"bytes", static_cast<qint64>(png.size())},
+                           {"path", saveToPath ? QJsonValue(QString::fromStdString(*saveToPath))
+                                               : QJsonValue()}});
+        if (window_.isVisible()) {
+            const QImage picture = QImage::fromData(png, "PNG");
+            window_.showPicture(picture, QStringLiteral("%1 x %2 pixels, %3 KB")
+                                             .arg(picture.width())
+                                             .arg(picture.height())
+                                             .arg(png.size() / 1024));
+        }
+        sessionEnded();
+    }
+
+ private:
+    void capture() {
+        if (VLStartCapture(request_)) return;
+        report("refused");
+        if (!VLIsCapturing()) sessionEnded();
+    }
+
+    void writeOut(const QByteArray& png) const {
+        QFile file(options_.outFile);
+        if (!file.open(QIODevice::WriteOnly) || file.write(png) != png.size())
+            std::fprintf(stderr, "cannot write %s: %s\n", qPrintable(options_.outFile),
+                         qPrintable(file.errorString()));
+    }
+
+    void makeTrayEntry() {
+        if (!QSystemTrayIcon::isSystemTrayAvailable()) return;
+        tray_ = std::make_unique<QSystemTrayIcon>(
+            window_.style()->standardIcon(QStyle::SP_DesktopIcon));
+        trayMenu_ = std::make_unique<QMenu>();
+        trayMenu_->addAction(QStringLiteral("Capture"), &window_, [this] { capture(); });
+        trayMenu_->addAction(QStringLiteral("Quit"), qApp, &QCoreApplication::quit);
+        tray_->setContextMenu(trayMenu_.get());
+        tray_->show();
+    }
+
+    void sessionEnded() const {
+        if (options_.once) QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+    }
+
+    HostOptions options_;
+    HostWindow window_;
+    std::shared_ptr<VLCaptureRequest> request_ = std::make_shared<VLCaptureRequest>();
+    std::unique_ptr<QMenu> trayMenu_;
+    std::unique_ptr<QSystemTrayIcon> tray_;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) arguments.append(QString::fromLocal8Bit(argv[i]));
+    const auto options = HostOptions::parse(arguments);
+    if (!options) return 2;
+    if (!options->stateDir.isEmpty()) useStateDirectory(options->stateDir);
+    if (!options->supplyID.isEmpty())
+        VLSetInfoValue("SupplyID", options->supplyID.toStdString());
+    if (!options->statURL.isEmpty())
+        VLSetInfoValue("StatisticsURL", options->statURL.toStdString());
+    if (!options->crashURL.isEmpty()) VLSetInfoValue("CrashSyncURL", options->crashURL.toStdString());
+
+    QApplication application(argc, argv);
+    QApplication::setApplicationDisplayName(QStringLiteral("Vorla sample host"));
+    QApplication::setQuitOnLastWindowClosed(!options->once);
+    const auto host = std::make_shared<Host>(*options);
+    host->start(host);
+    return QApplication::exec();
+}

@@ -1,0 +1,39 @@
+#include "platform/windowserver/WindowServer.h"
+
+#include <cstdlib>
+#include <utility>
+
+#include "platform/base/VLLog.h"
+#include "platform/base/raii.h"
+#include "platform/windowserver/X11WindowServer.h"
+
+namespace vorla {
+namespace {
+
+std::shared_ptr<WindowServer>& instance() {
+    static NoDestructor<std::shared_ptr<WindowServer>> server;
+    return *server;
+}
+
+}  // namespace
+
+std::unique_ptr<WindowServer> WindowServer::connect() {
+    const char* display = std::getenv("DISPLAY");
+    if (display == nullptr || *display == '\0') {
+        VLLog("window server: DISPLAY names no X server%s",
+              std::getenv("WAYLAND_DISPLAY") != nullptr ? ", and Wayland is not served" : "");
+        return nullptr;
+    }
+    return X11WindowServer::create();
+}
+
+std::shared_ptr<WindowServer> WindowServer::shared() {
+    if (!instance()) instance() = connect();
+    return instance();
+}
+
+void WindowServer::setShared(std::shared_ptr<WindowServer> server) {
+    instance() = std::move(server);
+}
+
+}  // namespace vorla

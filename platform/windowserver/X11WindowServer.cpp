@@ -1,0 +1,176 @@
+#include "platform/windowserver/X11WindowServer.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/windowserver/displayLayout.h"
+
+namespace vorla {
+namespace {
+
+constexpr qsizetype pageBytes = 4096;
+
+}  // namespace
+
+std::unique_ptr<X11WindowServer> X11WindowServer::create() {
+    std::shared_ptr<X11Connection> connection = X11Connection::open();
+    if (!connection) return nullptr;
+    return std::unique_ptr<X11WindowServer>(new X11WindowServer(std::move(connection)));
+}
+
+X11WindowServer::X11WindowServer(std::shared_ptr<X11Connection> connection)
+    : connection_(connection),
+      segments_(std::make_shared<GrabSegments>(connection)),
+      displays_(connection),
+      windowList_(connection),
+      pictures_(connection),
+      events_(connection, {[this] { displaysMayHaveChanged(); },
+                           [this] {
+                               if (onActiveSpaceChanged) onActiveSpaceChanged();
+                           }}) {
+    told_ = readDisplays();
+}
+
+X11WindowServer::~X11WindowServer() {
+    segments_->close();
+}
+
+std::vector<Display> X11WindowServer::readDisplays() {
+    std::vector<Display> displays = displays_.read();
+    size_t bytes = 0;
+    for (const Display& display : displays)
+        bytes += static_cast<size_t>(display.nativeFrame.width) * display.nativeFrame.height * 4;
+    segments_->keepUpTo(bytes);
+    return displays;
+}
+
+/// What surrounds every call: the event loop is joined once there is one, and events that came
+/// along with answers are looked at.
+class X11WindowServer::Call {
+ public:
+    explicit Call(X11WindowServer& server) : server_(server) { server_.events_.attach(); }
+    ~Call() { server_.events_.drain(); }
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+
+ private:
+    X11WindowServer& server_;
+};
+
+void X11WindowServer::displaysMayHaveChanged() {
+    const Call call(*this);
+    constexpr int mostChecks = 20;
+    // The toolkit hears of a change through a connection of its own, which may be later.
+    if (!displays_.toolkitAgrees() && ++checks_ < mostChecks) {
+        events_.askAgain();
+        return;
+    }
+    checks_ = 0;
+    std::vector<Display> now = readDisplays();
+    if (now == told_ || !connection_->isAlive()) return;
+    told_ = std::move(now);
+    if (onDisplaysChanged) onDisplaysChanged();
+}
+
+std::vector<Display> X11WindowServer::displays() {
+    const Call call(*this);
+    return readDisplays();
+}
+
+std::optional<std::vector<ServerWindow>> X11WindowServer::windows(uint32_t displayID) {
+    const Call call(*this);
+    const Display* display = displays_.find(displayID);
+    if (display == nullptr) return std::nullopt;
+    auto list = windowList_.read(displays_.current());
+    if (!list) return std::nullopt;
+    lastList_ = std::move(*list);
+    std::vector<ServerWindow> windows;
+    windows.reserve(lastList_.size());
+    for (const X11Window& window : lastList_)
+        windows.push_back(
+            {window.client, window.pid, window.layer, window.ownerName,
+             pointsFromNative(window.visible, *display, displays_.current().front())});
+    return windows;
+}
+
+QImage X11WindowServer::imageOfDisplay(uint32_t displayID, VLRect rect) {
+    const Call call(*this);
+    // A rectangle beyond the root is refused: the display may have shrunk without our knowing.
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        const Display* display = displays_.find(displayID);
+        if (display == nullptr) return {};
+        const PixelRect native = nativeFromLocal(rect, *display);
+        if (native.width == 0) return {};
+        QImage image = segments_->grab(native, native == display->nativeFrame);
+        if (!image.isNull()) {
+            image.setDevicePixelRatio(display->scale);
+            return image;
+        }
+        readDisplays();
+    }
+    return {};
+}
+
+std::optional<X11Window> X11WindowServer::listed(uint32_t number) const {
+    const auto found =
+        std::find_if(lastList_.begin(), lastList_.end(),
+                     [number](const X11Window& window) { return window.client == number; });
+    return found == lastList_.end() ? std::nullopt : std::optional(*found);
+}
+
+QImage X11WindowServer::imageOfWindow(uint32_t displayID, uint32_t number, WindowPicture picture,
+                                      const QImage& fallback) {
+    const Call call(*this);
+    const Display* display = displays_.find(displayID);
+    if (display == nullptr) return {};
+    const std::optional<X11Window> now = windowList_.readOne(number);
+    if (!now) return {};
+    QImage image =
+        pictures_.picture(listed(number), *now, picture, {fallback, display->nativeFrame});
+    image.setDevicePixelRatio(display->scale);
+    return image;
+}
+
+double X11WindowServer::alphaAtCentre(uint32_t number) {
+    const Call call(*this);
+    std::optional<X11Window> window = listed(number);
+    if (!window) window = windowList_.readOne(number);
+    if (!window || !window->hasAlpha) return 1.0;
+    return pictures_.alphaAt(*window, window->visible.x + window->visible.width / 2,
+                             window->visible.y + window->visible.height / 2);
+}
+
+void X11WindowServer::keepWindows() {
+    const Call call(*this);
+    if (lastList_.empty()) {
+        if (auto list = windowList_.read(displays_.current())) lastList_ = std::move(*list);
+    }
+    pictures_.keep(lastList_, displays_.current());
+}
+
+void X11WindowServer::releaseWindows() {
+    const Call call(*this);
+    pictures_.release();
+    lastList_.clear();
+}
+
+std::string X11WindowServer::activeApplicationName() {
+    const Call call(*this);
+    return windowList_.activeOwnerName();
+}
+
+void X11WindowServer::prepare() {
+    const Call call(*this);
+    const std::vector<Display> displays = readDisplays();
+    // Held together, so that there is a segment for each. Its writing faults the server's side of
+    // their pages in, our reading faults ours.
+    std::vector<QImage> images;
+    for (const Display& display : displays) {
+        images.push_back(segments_->grab(display.nativeFrame, true));
+        const volatile uchar* bytes = images.back().constBits();
+        for (qsizetype at = 0; at < images.back().sizeInBytes(); at += pageBytes)
+            static_cast<void>(bytes[at]);
+    }
+}
+
+}  // namespace vorla

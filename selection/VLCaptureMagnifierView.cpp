@@ -1,0 +1,152 @@
+#include "selection/VLCaptureMagnifierView.h"
+
+#include <QPainter>
+#include <array>
+#include <cmath>
+
+#include "capture/support/VLCaptureThemeManager.h"
+#include "platform/view/drawing.h"
+
+namespace {
+
+constexpr double shadowBlur = 3.0;
+constexpr double zoom = 5.0;
+constexpr VLRect infoArea{4.0, 4.0, 102.0, 31.0};
+constexpr VLRect imageArea{4.0, 36.0, 102.0, 82.0};
+constexpr double mouseInfoY = 20.0;
+constexpr double colorInfoY = 6.0;
+
+QRectF painterRect(const VLRect& r) {
+    return {r.x, r.y, r.width, r.height};
+}
+
+/// The rectangle of a line of text, centred in the view's width.
+VLRect lineRect(const QString& text, const QFont& font, double y) {
+    const VLSize size = vorla::textSize(text, font);
+    return {(MagnifierViewWidth - size.width) / 2.0, y, size.width, size.height};
+}
+
+}  // namespace
+
+VLCaptureMagnifierView::VLCaptureMagnifierView(const QImage& screenImage, const VLRect& screenFrame,
+                                               QWidget* superview)
+    : VLView({0.0, 0.0, MagnifierViewWidth, MagnifierViewHeight}, superview),
+      font_(VLThemedFont{QStringLiteral("Helvetica"), 11.0}.font()) {
+    // The pointer is beside the view and may pass through it when it is fast: it is the surface's.
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    configAppearanceAndLayout();
+    setScreenImage(screenImage);
+    setScreenFrame(screenFrame);
+}
+
+void VLCaptureMagnifierView::configAppearanceAndLayout() {
+    const auto& theme = VLCaptureThemeManager::sharedInstance();
+    magnifierCrossColor_ = theme.themedColorWithKey("VLMagnifierCrossLineColor");
+    magnifierBackgroundColor_ = theme.themedColorWithKey("VLMagnifierBackgroundColor");
+    magnifierInfoBackgroundColor_ = theme.themedColorWithKey("VLMagnifierInfoBackgroundColor");
+    magnifierFontColor_ = theme.themedColorWithKey("VLMagnifier_FontColor");
+    background_ = {};
+    setNeedsDisplay();
+}
+
+void VLCaptureMagnifierView::setScreenImage(const QImage& image) {
+    if (!image.isNull()) screenImage_ = image;
+}
+
+void VLCaptureMagnifierView::setMouseLocation(VLPoint location) {
+    mouseLocation_ = location;
+    updateImageOrigin(location);
+    setFrameOrigin(adjustFrameOriginByMouseLocation(location));
+    setNeedsDisplay();
+}
+
+void VLCaptureMagnifierView::updateImageOrigin(VLPoint location) {
+    if (location.x < 0.0 || location.y < 0.0 || location.x > screenFrame_.width ||
+        location.y > screenFrame_.height)
+        return;
+    imageOrigin_ = location;
+    mouseInfoStr_ = QStringLiteral("坐标：(%1,%2)")
+                        .arg(static_cast<int>(location.x))
+                        .arg(static_cast<int>(location.y));
+    mouseInfoRect_ = lineRect(mouseInfoStr_, font_, mouseInfoY);
+    const QColor color = getColorValueByPoint(location);
+    colorInfoStr_ = QStringLiteral("RGB:") + color.name(QColor::HexRgb);
+    colorInfoRect_ = lineRect(colorInfoStr_, font_, colorInfoY);
+}
+
+QColor VLCaptureMagnifierView::getColorValueByPoint(VLPoint point) const {
+    if (screenImage_.isNull()) return Qt::black;
+    const double scale = screenImage_.devicePixelRatio();
+    const auto within = [](double value, int count) {
+        return std::clamp(static_cast<int>(value), 0, count - 1);
+    };
+    return QColor(
+        screenImage_.pixel(within(point.x * scale, screenImage_.width()),
+                           within((screenFrame_.height - point.y) * scale, screenImage_.height())));
+}
+
+VLPoint VLCaptureMagnifierView::adjustFrameOriginByMouseLocation(VLPoint location) const {
+    const VLSize size = frame().size();
+    const VLRect limits{0.0, 0.0, screenFrame_.width, screenFrame_.height};
+    const double left = location.x - XOffsetWithMouseLocation - size.width;
+    const double right = location.x + XOffsetWithMouseLocation;
+    const double below = location.y - YOffsetWithMouseLocation - size.height;
+    const double above = location.y + YOffsetWithMouseLocation;
+    for (const VLPoint origin :
+         {VLPoint{left, below}, VLPoint{right, below}, VLPoint{right, above}, VLPoint{left, above}})
+        if (limits.containsRect(VLRect::make(origin, size))) return origin;
+    return location;
+}
+
+VLRect VLCaptureMagnifierView::sourceRect() const {
+    const double width = imageArea.width / zoom;
+    const double height = imageArea.height / zoom;
+    return {std::floor(imageOrigin_.x - width / 2.0), std::floor(imageOrigin_.y - height / 2.0),
+            width, height};
+}
+
+/// Everything that does not follow the pointer, drawn once: the shadow, the frame, the info area.
+QImage VLCaptureMagnifierView::makeBackground(double scale) const {
+    QImage image(static_cast<int>(std::lround(MagnifierViewWidth * scale)),
+                 static_cast<int>(std::lround(MagnifierViewHeight * scale)),
+                 QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(0.0, MagnifierViewHeight);
+    painter.scale(1.0, -1.0);
+    const VLRect inside = bounds().insetBy(shadowBlur, shadowBlur);
+    if (magnifierBackgroundColor_.isValid()) {
+        // A blur of 3 falls off over three points: three frames, each fainter than the one inside.
+        painter.setPen(Qt::NoPen);
+        constexpr std::array<int, 3> falloff = {18, 30, 48};
+        for (size_t ring = 0; ring < falloff.size(); ++ring) {
+            const double reach = shadowBlur - static_cast<double>(ring);
+            painter.setBrush(QColor(0, 0, 0, falloff[ring]));
+            painter.drawRoundedRect(painterRect(inside.insetBy(-reach, -reach)), reach, reach);
+        }
+        painter.fillRect(painterRect(inside), magnifierBackgroundColor_);
+    }
+    if (magnifierInfoBackgroundColor_.isValid())
+        painter.fillRect(painterRect(infoArea), magnifierInfoBackgroundColor_);
+    return image;
+}
+
+void VLCaptureMagnifierView::drawRect(QPainter& painter, const VLRect& /*dirtyRect*/) {
+    const double scale = backingScale();
+    if (background_.isNull() || background_.devicePixelRatio() != scale)
+        background_ = makeBackground(scale);
+    vorla::drawImage(painter, background_, bounds());
+    vorla::drawImage(painter, screenImage_, imageArea, sourceRect(), vorla::Interpolation::None);
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    if (magnifierCrossColor_.isValid()) {
+        const double middleY = imageArea.midY() - 0.5;
+        painter.fillRect(QRectF(imageArea.x, middleY - 0.5, imageArea.width, 1.0),
+                         magnifierCrossColor_);
+        painter.fillRect(QRectF(imageArea.midX() - 0.5, imageArea.y, 1.0, imageArea.height),
+                         magnifierCrossColor_);
+    }
+    vorla::drawText(painter, mouseInfoStr_, font_, magnifierFontColor_, mouseInfoRect_.origin());
+    vorla::drawText(painter, colorInfoStr_, font_, magnifierFontColor_, colorInfoRect_.origin());
+}

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QImage>
+#include <QString>
+
+#include "platform/view/VLView.h"
+
+inline constexpr double MagnifierViewWidth = 110.0;
+inline constexpr double MagnifierViewHeight = 122.0;
+inline constexpr double XOffsetWithMouseLocation = 15.0;
+inline constexpr double YOffsetWithMouseLocation = 15.0;
+inline constexpr double MinOffsetWithScreenEdge = 15.0;
+
+/// The little window that follows the pointer while the user aims: the frozen picture five times
+/// enlarged, a cross, the pointer's coordinates and the colour there. It never looks at the live
+/// screen. Main thread.
+class VLCaptureMagnifierView : public VLView {
+ public:
+    /// `screenFrame` is the surface's frame: its size limits where the view may be placed.
+    VLCaptureMagnifierView(const QImage& screenImage, const VLRect& screenFrame,
+                           QWidget* superview = nullptr);
+
+    /// A null image leaves the present one.
+    void setScreenImage(const QImage& image);
+    void setScreenFrame(const VLRect& frame) { screenFrame_ = frame; }
+
+    /// Shows what is around a point of the surface and places the view beside it. Outside of the
+    /// screen the picture stands still and the view still moves.
+    void setMouseLocation(VLPoint location);
+
+    [[nodiscard]] VLPoint imageOrigin() const { return imageOrigin_; }
+    [[nodiscard]] const QString& mouseInfoStr() const { return mouseInfoStr_; }
+    [[nodiscard]] const QString& colorInfoStr() const { return colorInfoStr_; }
+
+    /// Where the view goes for a pointer: the first free place of left below, right below, right
+    /// above, left above; the pointer itself if none is wholly on the screen.
+    [[nodiscard]] VLPoint adjustFrameOriginByMouseLocation(VLPoint location) const;
+
+    /// The part of the screen that is shown, in points of the frozen picture.
+    [[nodiscard]] VLRect sourceRect() const;
+
+    void configAppearanceAndLayout();
+
+ protected:
+    void drawRect(QPainter& painter, const VLRect& dirtyRect) override;
+
+ private:
+    void updateImageOrigin(VLPoint location);
+    [[nodiscard]] QColor getColorValueByPoint(VLPoint point) const;
+    [[nodiscard]] QImage makeBackground(double scale) const;
+
+    QImage screenImage_;
+    VLRect screenFrame_;
+    VLPoint mouseLocation_;
+    VLPoint imageOrigin_;
+    QFont font_;
+    QString mouseInfoStr_;
+    QString colorInfoStr_;
+    VLRect mouseInfoRect_;
+    VLRect colorInfoRect_;
+    QColor magnifierCrossColor_;
+    QColor magnifierBackgroundColor_;
+    QColor magnifierInfoBackgroundColor_;
+    QColor magnifierFontColor_;
+    QImage background_;
+};

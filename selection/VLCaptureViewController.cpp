@@ -1,0 +1,186 @@
+#include "selection/VLCaptureViewController.h"
+
+#include <QPainter>
+
+#include "capture/support/ImagePart.h"
+#include "capture/support/VLCaptureWindowInfo.h"
+#include "platform/base/VLLog.h"
+#include "platform/view/drawing.h"
+
+using vorla::Notification;
+using vorla::NotificationCenter;
+
+namespace {
+
+/// The frozen screen at the lower left, unscaled.
+class FrozenImageView : public VLView {
+ public:
+    FrozenImageView(const VLRect& frame, const QImage& image) : VLView(frame), image_(image) {
+        setAttribute(Qt::WA_OpaquePaintEvent);
+    }
+
+ protected:
+    void drawRect(QPainter& painter, const VLRect& /*dirtyRect*/) override {
+        const QSizeF points = image_.deviceIndependentSize();
+        vorla::drawImage(painter, image_, {0.0, 0.0, points.width(), points.height()});
+    }
+
+ private:
+    QImage image_;
+};
+
+}  // namespace
+
+std::shared_ptr<VLCaptureViewController> VLCaptureViewController::create(
+    const VLRect& frame, const QImage& screenImage) {
+    if (screenImage.isNull()) {
+        VLLog("%s 屏幕截图不能为空", __func__);
+        return nullptr;
+    }
+    std::shared_ptr<VLCaptureViewController> controller(
+        new VLCaptureViewController(frame, screenImage));
+    controller->captureView_->setDelegate(controller);
+    controller->observe();
+    controller->configAppearanceAndLayout();
+    return controller;
+}
+
+VLCaptureViewController::VLCaptureViewController(const VLRect& frame, const QImage& screenImage)
+    : screenImage_(screenImage), backgroundImageView_(new FrozenImageView(frame, screenImage)) {
+    setupCaptureView(frame);
+    setupMagnifierViewWithScreenImage(frame);
+}
+
+VLCaptureViewController::~VLCaptureViewController() {
+    // A view that no panel has taken as its content has no owner but this.
+    if (backgroundImageView_ && !backgroundImageView_->parentWidget())
+        backgroundImageView_->deleteLater();
+}
+
+void VLCaptureViewController::setupCaptureView(const VLRect& frame) {
+    captureView_ = new VLCaptureView({0.0, 0.0, frame.width, frame.height}, backgroundImageView_);
+    captureView_->setFrozenImage(screenImage_);
+}
+
+void VLCaptureViewController::setupMagnifierViewWithScreenImage(const VLRect& frame) {
+    magifierView_ = new VLCaptureMagnifierView(screenImage_, frame, backgroundImageView_);
+    magifierView_->hide();
+}
+
+void VLCaptureViewController::observe() {
+    observers_.observe(VLNotificationCaptureDidConfirmSelection, [this](const Notification& n) {
+        handleReceivedConfirmSelectionNotification(n);
+    });
+    observers_.observe(NotificationCaptureDidFinish,
+                       [this](const Notification& n) { captureDidFinish(n); });
+    observers_.observe(NotificationEditDidBegin, [this](const Notification&) { editDidBegin(); });
+    observers_.observe(VLNotificationPrepareToRecord,
+                       [this](const Notification&) { prepareToRecord(); });
+}
+
+VLCaptureSizeInfoView* VLCaptureViewController::sizeInfoView() {
+    if (!sizeInfoView_ && backgroundImageView_) {
+        sizeInfoView_ =
+            new VLCaptureSizeInfoView(backgroundImageView_->frame(), backgroundImageView_);
+        sizeInfoView_->hide();
+    }
+    return sizeInfoView_;
+}
+
+void VLCaptureViewController::configAppearanceAndLayout() {
+    if (!captureView_ || !magifierView_) return;
+    captureView_->configAppearanceAndLayout();
+    sizeInfoView()->configAppearanceAndLayout();
+    magifierView_->configAppearanceAndLayout();
+}
+
+// The surface's calls --------------------------------------------------------------------------
+
+void VLCaptureViewController::didConfirmSelection() {
+    const auto keptAlive = shared_from_this();
+    VLLog("<VLCaptureViewController> %s", __func__);
+    NotificationCenter::defaultCenter().post(VLNotificationCaptureDidConfirmSelection,
+                                             static_cast<const VLCaptureViewController*>(this));
+    if (magifierView_) magifierView_->hide();
+}
+
+void VLCaptureViewController::mouseLocationDidUpdate(VLPoint location, bool needShowMagnifier) {
+    if (!magifierView_ || !backgroundImageView_) return;
+    if (backgroundImageView_->bounds().containsPoint(location))
+        magifierView_->setMouseLocation(location);
+    magifierView_->setHidden(!needShowMagnifier);
+}
+
+void VLCaptureViewController::selectionDidChange() {
+    if (captureView_ && sizeInfoView())
+        sizeInfoView()->setSelectedRect(captureView_->selectedRect());
+}
+
+std::shared_ptr<VLCaptureWindowInfo> VLCaptureViewController::windowInfoAtPostion(VLPoint point) {
+    const auto delegate = delegate_.lock();
+    return delegate ? delegate->windowInfoAtPostion(point) : nullptr;
+}
+
+void VLCaptureViewController::gotActiveWindowInfo(
+    const std::shared_ptr<VLCaptureWindowInfo>& info) {
+    imageCaptured_ = info ? info->windowImage() : QImage();
+}
+
+// Broadcasts -----------------------------------------------------------------------------------
+
+void VLCaptureViewController::handleReceivedConfirmSelectionNotification(
+    const Notification& notification) {
+    if (notification.objectOr<const VLCaptureViewController*>(nullptr) == this) return;
+    needScreenCapture_ = false;
+    if (captureView_) captureView_->setNeedScreenCapture(false);
+}
+
+void VLCaptureViewController::editDidBegin() {
+    if (needScreenCapture_ && captureView_) captureView_->setSelectComfirmed(true);
+}
+
+void VLCaptureViewController::captureDidFinish(const Notification& notification) {
+    if (!needScreenCapture_) return;
+    const auto keptAlive = shared_from_this();
+    const bool needSave = notification.objectOr(false);
+    VLLog("%s 是否需要保存图片文件 %d", __func__, needSave ? 1 : 0);
+    const QImage image = imageCaptured();
+    VLLog("%s 生成图片 %dx%d", __func__, image.width(), image.height());
+    const auto delegate = delegate_.lock();
+    if (!image.isNull() && delegate)
+        delegate->captureDidFinishWithImage(image, needSave);
+    else
+        VLLog("%s 截图出现错误 需要手动清除蒙板", __func__);
+}
+
+void VLCaptureViewController::prepareToRecord() {
+    if (captureView_) captureView_->setNeedScreenCapture(false);
+}
+
+// The picture ----------------------------------------------------------------------------------
+
+QImage VLCaptureViewController::imageCaptured() {
+    VLLog("<VLCaptureViewController> %s", __func__);
+    if (imageCaptured_.isNull() && captureView_) {
+        prepareForCapture();
+        imageCaptured_ = generateCapturedImage();
+        finishCapture();
+    }
+    return imageCaptured_;
+}
+
+void VLCaptureViewController::prepareForCapture() {
+    sizeInfoView()->hide();
+    captureView_->prepareForCapture();
+}
+
+void VLCaptureViewController::finishCapture() {
+    sizeInfoView()->show();
+    captureView_->finishCapture();
+}
+
+/// Inside the selection the surface shows the frozen picture and nothing else, so its pixels are
+/// taken from there as they are, without being drawn or copied.
+QImage VLCaptureViewController::generateCapturedImage() const {
+    return vorla::imagePart(screenImage_, captureView_->pixelSelectedRectInWindow());
+}

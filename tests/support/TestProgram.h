@@ -1,0 +1,49 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/base/raii.h"
+
+namespace vorla::test {
+
+/// Open file descriptors of a process, and its shared memory: System V segments that it made plus
+/// mappings of anonymous shared files. -1 when the process cannot be looked at.
+int fileDescriptorsOf(int pid);
+int sharedMemorySegmentsOf(int pid);
+
+/// A running vorla-test-client (or another program that speaks its lines); ends with the object.
+class TestProgram {
+ public:
+    /// Starts it, with standard input and output connected. `path` empty stands for the test
+    /// client.
+    explicit TestProgram(const std::vector<std::string>& arguments, const std::string& path = {});
+    ~TestProgram();
+    TestProgram(TestProgram&& other) noexcept;
+    TestProgram& operator=(TestProgram&&) = delete;
+    TestProgram(const TestProgram&) = delete;
+    TestProgram& operator=(const TestProgram&) = delete;
+
+    /// Waits for a line that begins with `prefix`, and gives the rest of it; lines before it are
+    /// dropped. False when none came in time.
+    bool waitForLine(std::string_view prefix, std::string* rest = nullptr, int milliseconds = 5000);
+    /// Waits for the window to be up and painted; 0 when that does not happen.
+    xcb_window_t waitUntilReady();
+    /// Stops (hangs) the program and lets it go on.
+    void suspend();
+    void resume();
+    void terminate();
+
+    [[nodiscard]] int pid() const { return pid_; }
+
+ private:
+    int pid_ = -1;
+    UniqueFd input_;
+    UniqueFd output_;
+    std::string pending_;
+};
+
+}  // namespace vorla::test
