@@ -52,4 +52,9 @@ void MainQueue::setBackend(std::shared_ptr<Backend> backend) {
     }
 }
 
+bool MainQueue::isRunning() {
+    const std::lock_guard lock(state().mutex);
+    return state().backend != nullptr;
+}
+
 }  // namespace vorla

@@ -26,6 +26,9 @@ class MainQueue {
     /// Plugs the main loop in. Tasks posted before are handed over at once; their delays begin
     /// then.
     static void setBackend(std::shared_ptr<Backend> backend);
+
+    /// Whether a main loop is plugged in. Without one, tasks wait until there is.
+    static bool isRunning();
 };
 
 }  // namespace vorla

@@ -50,6 +50,20 @@ std::string xdgDirectory(const char* variable, const char* fallback) {
     return homeDirectory() + fallback;
 }
 
+std::string userDirectory(const std::string& key, const char* fallback) {
+    std::istringstream lines(readFile(configHome() + "/user-dirs.dirs").value_or(""));
+    std::string found = homeDirectory() + fallback;
+    for (std::string line; std::getline(lines, line);) {
+        line.erase(0, line.find_first_not_of(" \t"));
+        if (!line.starts_with(key)) continue;
+        std::string value = unquoted(line.substr(key.size()));
+        if (value == "$HOME" || value.starts_with("$HOME/")) value.replace(0, 5, homeDirectory());
+        while (value.size() > 1 && value.back() == '/') value.pop_back();
+        if (value.starts_with('/')) found = value;
+    }
+    return found;
+}
+
 }  // namespace
 
 std::optional<std::string> readFile(const std::string& path) {
@@ -126,18 +140,11 @@ std::string dataHome() {
 }
 
 std::string desktopDirectory() {
-    std::istringstream lines(readFile(configHome() + "/user-dirs.dirs").value_or(""));
-    const std::string key = "XDG_DESKTOP_DIR=\"";
-    std::string found = homeDirectory() + "/Desktop";
-    for (std::string line; std::getline(lines, line);) {
-        line.erase(0, line.find_first_not_of(" \t"));
-        if (!line.starts_with(key)) continue;
-        std::string value = unquoted(line.substr(key.size()));
-        if (value == "$HOME" || value.starts_with("$HOME/")) value.replace(0, 5, homeDirectory());
-        while (value.size() > 1 && value.back() == '/') value.pop_back();
-        if (value.starts_with('/')) found = value;
-    }
-    return found;
+    return userDirectory("XDG_DESKTOP_DIR=\"", "/Desktop");
+}
+
+std::string documentsDirectory() {
+    return userDirectory("XDG_DOCUMENTS_DIR=\"", "/Documents");
 }
 
 }  // namespace vorla

@@ -36,4 +36,7 @@ std::string dataHome();
 /// directory.
 std::string desktopDirectory();
 
+/// The user's documents folder in the same way, else "Documents" in the home directory.
+std::string documentsDirectory();
+
 }  // namespace vorla

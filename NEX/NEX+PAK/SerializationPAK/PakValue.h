@@ -1,0 +1,169 @@
+#pragma once
+
+#include <concepts>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <variant>
+#include <vector>
+
+#include "NEX/NEX+PAK/SerializationPAK/PakFormat.h"
+
+class PakClass;
+class PakObject;
+class PakValue;
+
+/// Orders values so that they can be keys: numbers by value whatever their stored type, strings
+/// and byte strings by their bytes, containers member by member, objects by identity. Values of
+/// different kinds are ordered by kind. Not-a-number equals itself here and lies below all numbers.
+struct PakValueOrder {
+    using is_transparent = void;
+    bool operator()(const PakValue& a, const PakValue& b) const;
+    bool operator()(const PakValue& a, std::string_view b) const;
+    bool operator()(std::string_view a, const PakValue& b) const;
+};
+
+using PakObjectPtr = std::shared_ptr<PakObject>;
+using PakArray = std::vector<PakValue>;
+using PakDictionary = std::map<PakValue, PakValue, PakValueOrder>;
+
+namespace vorla {
+
+/// Bytes behind one pointer, so that a value stays at two words; none at all for an empty run.
+class PackedBytes {
+ public:
+    PackedBytes() = default;
+    explicit PackedBytes(std::span<const uint8_t> bytes);
+    PackedBytes(const PackedBytes& other) : PackedBytes(other.bytes()) {}
+    PackedBytes(PackedBytes&&) noexcept = default;
+    PackedBytes& operator=(const PackedBytes& other) { return *this = PackedBytes(other); }
+    PackedBytes& operator=(PackedBytes&&) noexcept = default;
+    ~PackedBytes() = default;
+
+    [[nodiscard]] std::span<const uint8_t> bytes() const;
+
+ private:
+    /// Four bytes of length, then the bytes.
+    std::unique_ptr<uint8_t[]> block_;
+};
+struct PackedText : PackedBytes {
+    using PackedBytes::PackedBytes;
+};
+
+/// A pointer with the meaning of what it points to: copying it copies that.
+template <typename T>
+class PakBox {
+ public:
+    explicit PakBox(T value) : value_(std::make_unique<T>(std::move(value))) {}
+    PakBox(const PakBox& other) : value_(std::make_unique<T>(*other.value_)) {}
+    PakBox(PakBox&&) noexcept = default;
+    PakBox& operator=(const PakBox& other) { return *this = PakBox(other); }
+    PakBox& operator=(PakBox&&) noexcept = default;
+    ~PakBox() = default;
+
+    [[nodiscard]] const T& get() const { return *value_; }
+    [[nodiscard]] T& get() { return *value_; }
+
+ private:
+    std::unique_ptr<T> value_;
+};
+
+template <typename T>
+concept PakScalar = std::is_arithmetic_v<T> && !std::same_as<T, long double>;
+
+/// The type under which a number is kept: one of fixed width for each built-in type.
+template <PakScalar T>
+auto storedNumber(T value) {
+    if constexpr (std::same_as<T, bool> || std::floating_point<T>)
+        return value;
+    else if constexpr (sizeof(T) == 1)
+        return static_cast<std::conditional_t<std::is_signed_v<T>, int8_t, uint8_t>>(value);
+    else if constexpr (sizeof(T) == 2)
+        return static_cast<std::conditional_t<std::is_signed_v<T>, int16_t, uint16_t>>(value);
+    else if constexpr (sizeof(T) == 4)
+        return static_cast<std::conditional_t<std::is_signed_v<T>, int32_t, uint32_t>>(value);
+    else
+        return static_cast<std::conditional_t<std::is_signed_v<T>, int64_t, uint64_t>>(value);
+}
+
+}  // namespace vorla
+
+/// Any value that a stream can carry: nothing, a number that keeps its stored type, a string
+/// (UTF-8), a byte string, an array, a dictionary or an object. Two words; copies are deep but for
+/// objects, which are shared. A moved-from value may only be destroyed or assigned to.
+class PakValue {
+ public:
+    enum class Kind : uint8_t { Nothing, Dictionary, Array, Number, Object, String, Data };
+
+    PakValue();
+    PakValue(std::nullopt_t) : PakValue() {}
+    template <vorla::PakScalar T>
+    PakValue(T number) : storage_(vorla::storedNumber(number)) {}
+    PakValue(std::string_view text);
+    PakValue(const char* text) : PakValue(std::string_view(text)) {}
+    PakValue(const std::string& text) : PakValue(std::string_view(text)) {}
+    PakValue(std::span<const uint8_t> data);
+    PakValue(const PakData& data) : PakValue(std::span<const uint8_t>(data)) {}
+    PakValue(PakArray array);
+    PakValue(PakDictionary dictionary);
+    /// A null pointer gives nothing.
+    PakValue(PakObjectPtr object);
+    template <std::derived_from<PakObject> T>
+    PakValue(std::shared_ptr<T> object) : PakValue(PakObjectPtr(std::move(object))) {}
+    template <typename T>
+    PakValue(std::optional<T> value) : PakValue() {
+        if (value) *this = PakValue(std::move(*value));
+    }
+
+    PakValue(const PakValue&);
+    PakValue(PakValue&&) noexcept;
+    PakValue& operator=(const PakValue&);
+    PakValue& operator=(PakValue&&) noexcept;
+    ~PakValue();
+
+    [[nodiscard]] Kind kind() const;
+    [[nodiscard]] bool isNothing() const { return kind() == Kind::Nothing; }
+    explicit operator bool() const { return !isNothing(); }
+
+    /// The class of the value; null for nothing.
+    [[nodiscard]] const PakClass* valueClass() const;
+
+    /// The stored type of a number as one letter: B, c, C, s, S, i, I, q, Q, f or d; 0 otherwise.
+    [[nodiscard]] char numberType() const;
+    /// A number as signed 64 bits: an unsigned one above the signed range comes out negative, a
+    /// floating-point one is cut towards zero and kept within the range, not-a-number is 0. 0 for
+    /// anything that is no number.
+    [[nodiscard]] int64_t int64Value() const;
+    [[nodiscard]] double doubleValue() const;
+    [[nodiscard]] float floatValue() const { return static_cast<float>(doubleValue()); }
+
+    /// Views into the value, good until it changes; empty when it is of another kind.
+    [[nodiscard]] std::string_view stringValue() const;
+    [[nodiscard]] std::span<const uint8_t> dataValue() const;
+    /// The container, or null when the value is none such.
+    [[nodiscard]] const PakArray* array() const;
+    [[nodiscard]] PakArray* array();
+    [[nodiscard]] const PakDictionary* dictionary() const;
+    [[nodiscard]] PakDictionary* dictionary();
+    [[nodiscard]] PakObjectPtr object() const;
+    [[nodiscard]] PakObject* objectPointer() const;
+
+    /// The value as text for logs.
+    [[nodiscard]] std::string description() const;
+
+    /// Below zero, zero or above, in the order of PakValueOrder.
+    static int compare(const PakValue& a, const PakValue& b);
+    friend bool operator==(const PakValue& a, const PakValue& b) { return compare(a, b) == 0; }
+
+ private:
+    using Storage = std::variant<std::monostate, bool, int8_t, uint8_t, int16_t, uint16_t, int32_t,
+                                 uint32_t, int64_t, uint64_t, float, double, vorla::PackedText,
+                                 vorla::PackedBytes, vorla::PakBox<PakArray>,
+                                 vorla::PakBox<PakDictionary>, vorla::PakBox<PakObjectPtr>>;
+    Storage storage_;
+};

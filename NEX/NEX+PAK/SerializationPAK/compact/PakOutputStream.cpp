@@ -1,0 +1,13 @@
+#include "NEX/NEX+PAK/SerializationPAK/compact/PakOutputStream.h"
+
+#include "NEX/NEX+PAK/SerializationPAK/compact/PakDecodeException.h"
+
+namespace analyticspak {
+
+void PakOutputStream::checkLength(size_t length, uint8_t tag) {
+    if (length > kMaxStringLength)
+        raiseDecodeLong("invalid string size, tag: %d, size: %u", tag,
+                        static_cast<unsigned>(length));
+}
+
+}  // namespace analyticspak

@@ -1,0 +1,18 @@
+#pragma once
+
+/// Starts the usage statistics.
+class OzuNexManager {
+ public:
+    static OzuNexManager& defaultManager();
+
+    OzuNexManager(const OzuNexManager&) = delete;
+    OzuNexManager& operator=(const OzuNexManager&) = delete;
+
+    /// Lets the statistics hear the events of the capture path, and uploads the counters in the
+    /// background. Takes effect once in a process, whatever becomes of the upload. Without an
+    /// address for it nothing is sent, and no thread started. Any thread; does not block.
+    void startStat();
+
+ private:
+    OzuNexManager() = default;
+};

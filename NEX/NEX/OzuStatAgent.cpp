@@ -1,0 +1,63 @@
+#include "NEX/NEX/OzuStatAgent.h"
+
+#include <exception>
+#include <string_view>
+#include <utility>
+
+#include "NEX/NEX+PAK/SerializationPAK/PakFailure.h"
+#include "NEX/NEX+PAK/SerializationPAK/ZenAttributeValues.h"
+#include "NEX/common/CCCrypt/CryptData.h"
+#include "NEX/common/CCCrypt/utf8.h"
+#include "platform/base/Bundle.h"
+#include "platform/base/VLLog.h"
+
+namespace {
+
+/// Keeps the counters from casual eyes; the transport is what protects them.
+constexpr std::string_view keyBytes = "\x4B\x91\x7E\x2C\xD3\x0A\x66\xF8";
+
+std::optional<PakData> encrypted(VLSTStat& record) {
+    return Ozu_desWithKey(record.toData(), vorla::utf8FromLatin1(keyBytes));
+}
+
+bool isAccepted(const std::shared_ptr<ZenPacket>& reply) {
+    if (!reply) return true;
+    try {
+        const vorla::PakFailuresRaise untrusted;
+        return ZenAttributeValues::intValueWithName("", reply->attributes()) == 0;
+    } catch (const std::exception& failure) {
+        VLLog("return code cannot be read: %s", failure.what());
+        return false;
+    }
+}
+
+}  // namespace
+
+OzuStatAgent::OzuStatAgent() : OzuNexAgent("zbpcstat") {}
+
+std::string OzuStatAgent::endpoint() {
+    return vorla::Bundle::framework().infoString("StatisticsURL");
+}
+
+std::vector<std::string> OzuStatAgent::serverURLs() const {
+    const std::string url = endpoint();
+    return url.empty() ? std::vector<std::string>() : std::vector{url};
+}
+
+void OzuStatAgent::stat(VLSTStat& record, std::function<void(bool)> withCompleteHandle) {
+    const auto packet = ZenPacket::packet();
+    const auto crypt = encrypted(record);
+    if (!crypt) {
+        VLLog("statistics cannot be encrypted");
+        if (withCompleteHandle) withCompleteHandle(false);
+        return;
+    }
+    packet->putDataAttr("crypt", *crypt);
+    invocation("stat", packet,
+               [withCompleteHandle =
+                    std::move(withCompleteHandle)](const std::shared_ptr<ZenPacket>& reply) {
+                   VLLog("completeBlock start");
+                   if (withCompleteHandle) withCompleteHandle(isAccepted(reply));
+                   VLLog("completeBlock end");
+               });
+}

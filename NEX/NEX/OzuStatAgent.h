@@ -1,0 +1,31 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "NEX/NEX/OzuNexAgent.h"
+#include "NEX/NEX/VLSTStat.h"
+
+/// Sends statistics to the servant "zbpcstat", encrypted, at the address that the information
+/// dictionary gives as "StatisticsURL". What it has to tell, it tells on the session's thread: the
+/// upload goes on while the host's main loop stands still.
+class OzuStatAgent : public OzuNexAgent {
+ public:
+    static std::shared_ptr<OzuStatAgent> agent() { return std::make_shared<OzuStatAgent>(); }
+    /// The address; empty when there is none, and nothing is to be sent.
+    static std::string endpoint();
+
+    OzuStatAgent();
+
+    [[nodiscard]] std::vector<std::string> serverURLs() const override;
+    [[nodiscard]] vorla::CompletionQueue completionQueue() const override {
+        return vorla::CompletionQueue::Session;
+    }
+
+    /// Sends the record. The callback gets true when the server's return code is 0. No reply, one
+    /// that is no packet and one without a return code count as 0 too: the counters are then given
+    /// up rather than sent to a broken server for ever. One whose return code cannot be read counts
+    /// as refused.
+    void stat(VLSTStat& record, std::function<void(bool)> withCompleteHandle);
+};

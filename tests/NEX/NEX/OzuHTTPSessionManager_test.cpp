@@ -1,0 +1,199 @@
+#include "NEX/NEX/OzuHTTPSessionManager.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <future>
+#include <thread>
+
+#include "tests/support/StatServer.h"
+#include "tests/support/TestMainLoop.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using vorla::CompletionQueue;
+using vorla::HTTPResult;
+using vorla::test::StatServer;
+
+vorla::HTTPLimits shortLimits() {
+    vorla::HTTPLimits limits;
+    limits.connect = 1s;
+    limits.idle = 1s;
+    limits.total = 2s;
+    return limits;
+}
+
+vorla::HTTPRequest requestTo(const std::string& url) {
+    vorla::HTTPRequest request;
+    request.url = url;
+    request.headerFields = {{"Accept-Encoding", "gzip,deflate"}};
+    request.body = {'b', 'o', 0, 'd', 'y'};
+    return request;
+}
+
+std::future<HTTPResult> send(OzuHTTPSessionManager& session, vorla::HTTPRequest request) {
+    const auto done = std::make_shared<std::promise<HTTPResult>>();
+    session.dataTaskWithRequest(
+        std::move(request), {}, {}, [done](const HTTPResult& result) { done->set_value(result); },
+        CompletionQueue::Session);
+    return done->get_future();
+}
+
+TEST(HTTPSession, FaultyServersEndWithoutABody) {
+    const struct {
+        std::vector<std::string> server;
+        bool body;
+        std::chrono::milliseconds limit;
+    } rows[] = {
+        {{"--reply", "good"}, true, 1s},
+        {{"--reply", "good", "--status", "500"}, true, 1s},
+        {{"--reply", "empty"}, true, 1s},
+        {{"--reply", "good", "--encoding", "gzip"}, true, 1s},
+        {{"--reply", "good", "--encoding", "deflate"}, true, 1s},
+        {{"--reply", "silent"}, false, 3s},
+        {{"--reply", "drip"}, false, 3s},
+        {{"--reply", "close"}, false, 1s},
+        {{"--reply", "cut"}, false, 1s},
+        {{"--reply", "not-http"}, false, 1s},
+        {{"--reply", "endless"}, false, 2s},
+        {{"--reply", "bomb"}, false, 2s},
+        {{"--reply", "headers"}, false, 2s},
+    };
+    OzuHTTPSessionManager session(shortLimits());
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::PrintToString(row.server));
+        const StatServer server(row.server);
+        const auto start = std::chrono::steady_clock::now();
+        const HTTPResult result = send(session, requestTo(server.url())).get();
+        EXPECT_LT(std::chrono::steady_clock::now() - start, row.limit + 2s);
+        EXPECT_EQ(result.body.has_value(), row.body) << result.error;
+        EXPECT_EQ(result.error.empty(), row.body) << result.error;
+    }
+}
+
+TEST(HTTPSession, AnAnswerIsDeliveredUnpackedWithStatusAndHeaderFields) {
+    OzuHTTPSessionManager session(shortLimits());
+    const StatServer plain({"--status", "404"});
+    const HTTPResult reference = send(session, requestTo(plain.url())).get();
+    EXPECT_EQ(reference.response.statusCode, 404);
+    ASSERT_TRUE(reference.body);
+    for (const char* encoding : {"gzip", "deflate"}) {
+        const StatServer packed({"--encoding", encoding});
+        const HTTPResult result = send(session, requestTo(packed.url())).get();
+        EXPECT_EQ(result.body, reference.body) << encoding;
+        EXPECT_EQ(result.response.statusCode, 200);
+        bool told = false;
+        for (const auto& [name, value] : result.response.allHeaderFields)
+            told = told || (name == "Content-Encoding" && value == encoding);
+        EXPECT_TRUE(told);
+    }
+}
+
+TEST(HTTPSession, AFullMebibyteArrivesAndNotAByteMore) {
+    OzuHTTPSessionManager generous;
+    vorla::HTTPLimits limits = shortLimits();
+    const StatServer server({"--reply", "garbage"});
+    const size_t size = send(generous, requestTo(server.url())).get().body.value().size();
+    limits.largestBody = size;
+    OzuHTTPSessionManager exact(limits);
+    EXPECT_TRUE(send(exact, requestTo(server.url())).get().body);
+    limits.largestBody = size - 1;
+    OzuHTTPSessionManager tight(limits);
+    EXPECT_FALSE(send(tight, requestTo(server.url())).get().body);
+    EXPECT_EQ(vorla::HTTPLimits().largestBody, 1048576U);
+}
+
+TEST(HTTPSession, ARedirectIsNotFollowed) {
+    StatServer server({"--reply", "redirect"});
+    OzuHTTPSessionManager session(shortLimits());
+    const HTTPResult result = send(session, requestTo(server.url())).get();
+    EXPECT_EQ(result.response.statusCode, 302);
+    EXPECT_TRUE(result.body && result.body->empty());
+    EXPECT_EQ(server.nextRequest()["method"], "POST");
+    EXPECT_TRUE(server.nextRequest(200).empty());
+}
+
+TEST(HTTPSession, UnreachableAddressesFail) {
+    OzuHTTPSessionManager session(shortLimits());
+    for (const char* url :
+         {"http://127.0.0.1:1", "http://no-such-host.invalid", "https://127.0.0.1:1", "",
+          "file:///etc/hostname", "ftp://127.0.0.1/x", "not a url", "http://[::1"}) {
+        const HTTPResult result = send(session, requestTo(url)).get();
+        EXPECT_FALSE(result.body) << url;
+        EXPECT_FALSE(result.error.empty()) << url;
+    }
+    const StatServer server;
+    const std::string secure = "https" + server.url().substr(4);
+    EXPECT_FALSE(send(session, requestTo(secure)).get().body);
+}
+
+TEST(HTTPSession, ManyRequestsRunSideBySide) {
+    const StatServer server({"--delay", "0.5"});
+    OzuHTTPSessionManager session;
+    const auto start = std::chrono::steady_clock::now();
+    std::vector<std::future<HTTPResult>> replies;
+    for (int i = 0; i < 20; ++i) replies.push_back(send(session, requestTo(server.url())));
+    for (auto& reply : replies) EXPECT_TRUE(reply.get().body);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
+}
+
+TEST(HTTPSession, EndingASessionDropsWhatIsUnderWay) {
+    const StatServer server({"--reply", "silent"});
+    const auto start = std::chrono::steady_clock::now();
+    auto session = std::make_unique<OzuHTTPSessionManager>();
+    std::vector<std::future<HTTPResult>> replies;
+    for (int i = 0; i < 5; ++i) replies.push_back(send(*session, requestTo(server.url())));
+    EXPECT_EQ(replies[0].wait_for(300ms), std::future_status::timeout);
+    session.reset();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 2s);
+    for (auto& reply : replies) EXPECT_THROW((void)reply.get(), std::future_error);
+}
+
+TEST(HTTPSession, CompletionsRunOnTheMainLoopIfThereIsOne) {
+    const StatServer server;
+    OzuHTTPSessionManager session;
+    std::atomic<std::thread::id> thread;
+    const auto note = [&](const HTTPResult&) { thread = std::this_thread::get_id(); };
+    const auto arrived = [&] { return thread.load() != std::thread::id(); };
+    {
+        vorla::test::TestMainLoop loop;
+        session.dataTaskWithRequest(requestTo(server.url()), {}, {}, note);
+        EXPECT_TRUE(loop.runUntil(arrived));
+        EXPECT_EQ(thread.load(), std::this_thread::get_id());
+    }
+    thread = std::thread::id();
+    session.dataTaskWithRequest(requestTo(server.url()), {}, {}, note);
+    for (int i = 0; i < 2000 && !arrived(); ++i) std::this_thread::sleep_for(5ms);
+    EXPECT_TRUE(arrived());
+    EXPECT_NE(thread.load(), std::this_thread::get_id());
+}
+
+TEST(HTTPSession, HeaderFieldsWithLineBreaksAreLeftOut) {
+    StatServer server;
+    OzuHTTPSessionManager session(shortLimits());
+    auto request = requestTo(server.url());
+    request.setValue("value\r\nX-Injected: 1", "X-Bad");
+    request.setValue("kept", "X-Good");
+    EXPECT_TRUE(send(session, request).get().body);
+    const std::string headers = server.nextRequest()["headers"].dump();
+    EXPECT_EQ(headers.find("X-Injected"), std::string::npos);
+    EXPECT_NE(headers.find("X-Good"), std::string::npos);
+}
+
+TEST(HTTPSession, ProgressIsTold) {
+    const StatServer server;
+    OzuHTTPSessionManager session(shortLimits());
+    const auto sent = std::make_shared<std::atomic<int64_t>>(0);
+    const auto received = std::make_shared<std::atomic<int64_t>>(0);
+    std::promise<HTTPResult> done;
+    session.dataTaskWithRequest(
+        requestTo(server.url()), [sent](int64_t bytes, int64_t) { *sent = bytes; },
+        [received](int64_t bytes, int64_t) { *received = bytes; },
+        [&](const HTTPResult& result) { done.set_value(result); }, CompletionQueue::Session);
+    const HTTPResult result = done.get_future().get();
+    EXPECT_EQ(*sent, 5);
+    EXPECT_EQ(*received, static_cast<int64_t>(result.body.value().size()));
+}
+
+}  // namespace

@@ -1,0 +1,232 @@
+#include "NEX/NEX/OzuNexManager.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+
+#include "NEX/NEX/VLNEXUtilities.h"
+#include "capture/base/plist.h"
+#include "platform/base/files.h"
+#include "tests/support/ScopedEnvironment.h"
+#include "tests/support/StatServer.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+using nlohmann::json;
+using vorla::test::PipedProgram;
+using vorla::test::StatServer;
+using Clock = std::chrono::steady_clock;
+
+/// Runs the test host with counters of its own.
+class Upload : public testing::Test {
+ protected:
+    vorla::test::TemporaryFolder home_;
+    const vorla::test::ScopedEnvironment environment_{{{"HOME", home_.path()},
+                                                       {"XDG_DATA_HOME", std::nullopt},
+                                                       {"XDG_CONFIG_HOME", std::nullopt}}};
+    const std::string counters_ =
+        home_ / ".local/share/Containers/stat_host/Data/Documemts/VorlaSDKStat.plist";
+    std::vector<std::string> lines_;
+    int exitCode_ = 0;
+
+    void host(std::vector<std::string> actions) {
+        actions.insert(actions.begin(), VORLA_STAT_HOST);
+        const vorla::test::ScopedEnvironment locale(
+            {{"LC_ALL", "zh_CN.UTF-8"}, {"LANGUAGE", std::nullopt}});
+        PipedProgram program(std::move(actions));
+        lines_ = program.allLines();
+        exitCode_ = program.wait();
+    }
+    [[nodiscard]] long logged(std::string_view text) const {
+        return std::count_if(lines_.begin(), lines_.end(), [text](const std::string& line) {
+            return line.find(text) != std::string::npos;
+        });
+    }
+    [[nodiscard]] json onDisk() const {
+        return readFromPlistFile(counters_).value_or(json("none"));
+    }
+    [[nodiscard]] double blockedMilliseconds() const {
+        for (const std::string& line : lines_)
+            if (line.starts_with("blocked ")) return std::stod(line.substr(8)) / 1e6;
+        return 1e9;
+    }
+};
+
+TEST_F(Upload, EveryLayerOfWhatGoesOverTheWire) {
+    StatServer server;
+    ASSERT_TRUE(vorla::createDirectories(counters_.substr(0, counters_.rfind('/'))));
+    ASSERT_TRUE(writeToPlistFile({{"1001", 3}, {"1002", "text"}, {"7", 4294967297U}}, counters_));
+    host({"url=" + server.url(), "start", "wait=reset stat success!"});
+    const json request = server.nextRequest();
+    EXPECT_EQ(request["method"], "POST");
+    EXPECT_EQ(request["path"], "/");
+    json packet = request["packet"];
+    EXPECT_EQ(packet["length"], packet["bytes"]);
+    EXPECT_EQ(packet["tags"], json({1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
+    const json header = {
+        {"iVersion", 2},      {"cPacketType", 0},           {"iMessageType", 0},
+        {"iRequestId", 1000}, {"sServantName", "zbpcstat"}, {"sFuncName", "stat"},
+        {"iTimeout", 0},      {"context", json::object()},  {"status", json::object()}};
+    for (const auto& [name, value] : header.items()) EXPECT_EQ(packet[name], value) << name;
+    EXPECT_EQ(packet["attributes"], json({{"crypt", {"list<char>"}}}));
+    const int plain = packet["plain_bytes"];
+    EXPECT_EQ(packet["encrypted_bytes"], plain + 8 - plain % 8);
+    EXPECT_EQ(packet["record_tags"], json({0, 21}));
+
+    const json machine = {{"sGuid", VLNEXUtilities::UUID().value()},
+                          {"sTGuid", ""},
+                          {"iClientVersion", VLNEXUtilities::clientVersion()},
+                          {"sUin", ""},
+                          {"iSupplyID", 0},
+                          {"iUniOperCode", 0},
+                          {"sOsVersion", VLNEXUtilities::operatingSystemVersion()},
+                          {"iOsLanguage", 1},
+                          {"iOsDigit", 64},
+                          {"sKernelVersion", ""},
+                          {"sGJGuid", ""},
+                          {"sReserved", ""}};
+    EXPECT_EQ(request["record"]["machine"], machine);
+    const json counters = {{"1001", 3},
+                           {"1002", "text"},
+                           {"7", 1},
+                           {"1018", 1},
+                           {"1019", 1},
+                           {"1020", 1},
+                           {"1021", machine["sGuid"]},
+                           {"1022", VLNEXUtilities::formattedVersion()},
+                           {"1023", "VorlaSDK"}};
+    EXPECT_EQ(request["counters"], counters);
+    for (const json& entry : request["record"]["entries"]) EXPECT_EQ(entry.size(), 8U);
+    EXPECT_EQ(request["record"]["entries"][0]["iProtocol"], 8130);
+}
+
+TEST_F(Upload, CountersAreErasedUnlessTheServerRefusesThem) {
+    const struct {
+        std::vector<std::string> server;
+        bool erased;
+    } rows[] = {
+        {{}, true},
+        {{"--return-code", "5"}, false},
+        {{"--return-code", "-1"}, false},
+        {{"--return-code", "4294967296"}, true},
+        {{"--reply", "no-code"}, true},
+        {{"--reply", "wrong-type"}, false},
+        {{"--reply", "short"}, true},
+        {{"--reply", "wrong-length"}, true},
+        {{"--reply", "no-fields"}, true},
+        {{"--reply", "garbage"}, true},
+        {{"--reply", "deep"}, true},
+        {{"--reply", "many"}, true},
+        {{"--reply", "empty"}, true},
+        {{"--reply", "close"}, true},
+        {{"--reply", "cut"}, true},
+        {{"--reply", "endless"}, true},
+        {{"--reply", "bomb"}, true},
+        {{"--reply", "redirect"}, true},
+        {{"--status", "500"}, true},
+        {{"--status", "500", "--return-code", "1"}, false},
+        {{"--encoding", "gzip", "--return-code", "1"}, false},
+        {{"--encoding", "deflate", "--return-code", "1"}, false},
+        {{"--encoding", "gzip"}, true},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::PrintToString(row.server));
+        ASSERT_TRUE(vorla::createDirectories(counters_.substr(0, counters_.rfind('/'))));
+        ASSERT_TRUE(writeToPlistFile({{"1001", 3}}, counters_));
+        const StatServer server(row.server);
+        host({"url=" + server.url(), "start", "wait=completeBlock end"});
+        EXPECT_EQ(exitCode_, 0);
+        EXPECT_EQ(onDisk(), row.erased ? json("none") : json({{"1001", 3}}));
+        EXPECT_EQ(logged("completeBlock start"), 1);
+        EXPECT_EQ(logged("reset stat success!"), row.erased ? 1 : 0);
+        EXPECT_EQ(logged("stat failed!"), row.erased ? 0 : 1);
+    }
+    host({"url=http://127.0.0.1:1", "start", "wait=completeBlock end"});
+    EXPECT_EQ(logged("reset stat success!"), 1);
+}
+
+TEST_F(Upload, HappensOnceInAProcess) {
+    StatServer server;
+    host({"url=" + server.url(), "start", "start", "wait=completeBlock end", "start", "sleep=200"});
+    EXPECT_FALSE(server.nextRequest().empty());
+    EXPECT_TRUE(server.nextRequest(200).empty());
+    EXPECT_EQ(logged("startStat 进程启动期间只上传一次统计数据"), 1);
+    EXPECT_EQ(logged("===> start stat!"), 1);
+}
+
+TEST_F(Upload, EventsDuringAnUploadAreLostWithIt) {
+    StatServer server({"--delay", "0.3"});
+    host({"url=" + server.url(), "start", "sleep=150", "event=1001", "wait=completeBlock end",
+          "event=1002"});
+    EXPECT_FALSE(server.nextRequest()["counters"].contains("1001"));
+    EXPECT_EQ(onDisk(), json({{"1002", 1}}));
+}
+
+TEST_F(Upload, WithoutAnAddressNothingIsSentAndNoThreadStarted) {
+    host({"start", "start", "event=9", "sleep=50", "threads"});
+    EXPECT_EQ(logged("no address for statistics"), 1);
+    EXPECT_EQ(logged("threads 1"), 1);
+    EXPECT_EQ(onDisk(), json({{"9", 1}}));
+}
+
+TEST_F(Upload, TheHostEndsAtOnceWhateverTheServerDoes) {
+    const struct {
+        const char* ending;
+        int exitCode;
+    } endings[] = {{"exit", 0}, {"return", 0}, {"quick", 0}, {"abort", -SIGABRT}};
+    for (const char* reply : {"silent", "drip", "endless", "good"}) {
+        const StatServer server({"--reply", reply});
+        for (const auto& [ending, exitCode] : endings) {
+            for (const char* moment : {"stall=0", "stall=1", "stall=3", "stall=60"}) {
+                SCOPED_TRACE(std::string(reply) + " " + ending + " " + moment);
+                const auto start = Clock::now();
+                host({"url=" + server.url(), "start", moment, ending});
+                EXPECT_EQ(exitCode_, exitCode);
+                EXPECT_LT(Clock::now() - start, 2s);
+            }
+        }
+    }
+    const auto start = Clock::now();
+    host({"url=http://no-such-host.invalid", "start", "stall=20", "exit"});
+    EXPECT_EQ(exitCode_, 0);
+    EXPECT_LT(Clock::now() - start, 2s);
+}
+
+TEST_F(Upload, AForkedChildNeitherHangsNorSendsAgain) {
+    StatServer server({"--delay", "0.3"});
+    const auto start = Clock::now();
+    host({"url=" + server.url(), "start", "sleep=100", "fork", "fork", "wait=completeBlock end"});
+    EXPECT_EQ(logged("child 7"), 2);
+    EXPECT_EQ(exitCode_, 0);
+    EXPECT_LT(Clock::now() - start, 5s);
+    EXPECT_FALSE(server.nextRequest().empty());
+    EXPECT_TRUE(server.nextRequest(200).empty());
+}
+
+// A machine that is busy with something else stretches any one run, but not all of them.
+TEST_F(Upload, TheMainThreadIsNotKept) {
+    for (const char* reply : {"good", "many", "deep", "silent"}) {
+        const StatServer server({"--reply", reply});
+        double shortest = 1e9;
+        for (int round = 0; round < 10 && shortest > 1.5; ++round) {
+            host({"url=" + server.url(), "start", "event=1", "sleep=200", "event=2"});
+            shortest = std::min(shortest, blockedMilliseconds());
+        }
+        std::printf("%-7s longest time on the main thread: %.2f ms\n", reply, shortest);
+        EXPECT_LT(shortest, VORLA_SLOW_BUILD ? 50 : 5) << reply;
+    }
+}
+
+TEST_F(Upload, GoesOnWhileTheMainThreadStandsStill) {
+    StatServer server;
+    host({"url=" + server.url(), "start", "stall=1500"});
+    EXPECT_EQ(logged("reset stat success!"), 1);
+    EXPECT_FALSE(server.nextRequest().empty());
+}
+
+}  // namespace

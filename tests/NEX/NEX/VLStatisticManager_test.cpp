@@ -1,0 +1,258 @@
+#include "NEX/NEX/VLStatisticManager.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <random>
+#include <thread>
+#include <vector>
+
+#include "NEX/NEX/VLNEXUtilities.h"
+#include "NEX/NEX/VLSTStatProtocol_Function.h"
+#include "capture/base/VLCaptureSetting.h"
+#include "capture/base/plist.h"
+#include "platform/base/files.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/LogRecorder.h"
+#include "tests/support/ScopedEnvironment.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using vorla::test::ChildProcess;
+
+class Statistics : public testing::Test {
+ protected:
+    vorla::test::TemporaryFolder folder_;
+    const vorla::test::ScopedEnvironment home_{{{"HOME", folder_ / "home"},
+                                                {"XDG_DATA_HOME", std::nullopt},
+                                                {"XDG_CONFIG_HOME", std::nullopt}}};
+    const std::string counters_ = folder_ / "data/Containers/host/Data/Documemts";
+    const std::string path_ = counters_ + "/VorlaSDKStat.plist";
+    const std::string old_ = folder_ / "Documents/VorlaSDKStat.plist";
+
+    [[nodiscard]] json onDisk() const {
+        return readFromPlistFile(path_).value_or(json("no dictionary"));
+    }
+};
+
+TEST_F(Statistics, EachEventIsOnDiskAtOnceInPrivateFiles) {
+    VLStatisticManager manager(counters_, old_);
+    manager.statisticEvent(1001);
+    manager.statisticEvent(1001);
+    manager.statisticEvent(7);
+    EXPECT_EQ(onDisk(), json({{"1001", 2}, {"7", 1}}));
+    struct stat facts = {};
+    ASSERT_EQ(::stat(path_.c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 0777U, 0600U);
+    for (std::string above = counters_; above != folder_.path();
+         above = fs::path(above).parent_path()) {
+        ASSERT_EQ(::stat(above.c_str(), &facts), 0);
+        EXPECT_EQ(facts.st_mode & 0777U, 0700U) << above;
+    }
+    VLStatisticManager next(counters_, old_);
+    next.statisticEvent(7);
+    EXPECT_EQ(onDisk(), json({{"1001", 2}, {"7", 2}}));
+}
+
+TEST_F(Statistics, OnlyNumbersAreCountedUp) {
+    VLStatisticManager manager(counters_, old_);
+    const struct {
+        json before, after;
+    } rows[] = {
+        {41, 42},         {0, 1},          {true, 2},
+        {"text", "text"}, {2.9, 3},        {-1, 0},
+        {-2.5, 1},        {UINT64_MAX, 0}, {json::array({1}), json::array({1})},
+    };
+    for (const auto& row : rows) {
+        manager.statisticEvent(5, row.before);
+        EXPECT_EQ(onDisk(), json({{"5", row.before}}));
+        manager.statisticEvent(5);
+        EXPECT_EQ(onDisk(), json({{"5", row.after}})) << row.before;
+    }
+    manager.statisticEvent(5, std::nullopt);
+    EXPECT_EQ(onDisk(), json::object());
+    manager.statisticEvent(UINT64_MAX);
+    EXPECT_EQ(onDisk(), json({{"18446744073709551615", 1}}));
+}
+
+TEST_F(Statistics, FourThreadsLoseNoEvent) {
+    VLStatisticManager manager(counters_, old_);
+    std::atomic<bool> counting = true;
+    std::jthread reader([&] {
+        while (counting) EXPECT_TRUE(readFromPlistFile(path_).value_or(json::object()).is_object());
+    });
+    {
+        std::vector<std::jthread> threads;
+        for (int t = 0; t < 4; ++t)
+            threads.emplace_back([&, t] {
+                for (int i = 0; i < 2500; ++i) manager.statisticEvent(i % 2 ? 1 : 100 + t);
+            });
+    }
+    counting = false;
+    reader.join();
+    EXPECT_EQ(onDisk(),
+              json({{"1", 5000}, {"100", 1250}, {"101", 1250}, {"102", 1250}, {"103", 1250}}));
+    EXPECT_EQ(std::distance(fs::directory_iterator(counters_), fs::directory_iterator()), 1);
+}
+
+TEST_F(Statistics, AKilledProcessLeavesTheStateBeforeOrAfterAnEvent) {
+    std::mt19937 random(11);
+    uint64_t reached = 0;
+    for (int round = 0; round < 40; ++round) {
+        ChildProcess host([this] {
+            VLStatisticManager manager(counters_, old_);
+            for (;;) {
+                manager.statisticEvent(1);
+                manager.statisticEvent(2);
+            }
+            return 0;
+        });
+        std::this_thread::sleep_for(std::chrono::microseconds(300 + random() % 5000));
+        host.kill(SIGKILL);
+        host.wait();
+        const json stored = readFromPlistFile(path_).value_or(json::object());
+        const uint64_t first = stored.value("1", uint64_t{0});
+        const uint64_t second = stored.value("2", uint64_t{0});
+        ASSERT_GE(first, reached);
+        ASSERT_LE(first - second, static_cast<uint64_t>(round + 1));
+        reached = first;
+    }
+    EXPECT_GT(reached, 40U);
+}
+
+TEST_F(Statistics, DamagedAndForeignFilesAreSurvivedAndPutAside) {
+    const vorla::test::LogRecorder log;
+    ASSERT_TRUE(vorla::createDirectories(counters_));
+    for (const std::string& bytes : {std::string(), std::string("<plist version=\"1.0\">"),
+                                     std::string("\x82\x01\x02"), std::string(100000, '\xFF')}) {
+        ASSERT_TRUE(vorla::writeFileAtomically(path_, bytes));
+        VLStatisticManager manager(counters_, old_);
+        manager.statisticEvent(3);
+        EXPECT_EQ(onDisk(), json({{"3", 1}}));
+        EXPECT_EQ(vorla::readFile(path_ + ".broken"), bytes);
+    }
+    fs::remove(path_);
+    fs::create_directory(path_);
+    VLStatisticManager manager(counters_, old_);
+    manager.statisticEvent(3);
+    EXPECT_EQ(manager.statInfo()["3"], 1);
+}
+
+TEST_F(Statistics, AnUnwritablePlaceCostsOnlyTheFile) {
+    const vorla::test::LogRecorder log;
+    ASSERT_TRUE(vorla::writeFileAtomically(folder_ / "data", "in the way"));
+    VLStatisticManager manager(counters_, old_);
+    manager.statisticEvent(3);
+    manager.statisticEvent(3);
+    EXPECT_EQ(manager.statInfo()["3"], 2);
+    manager.resetStatistic();
+    EXPECT_FALSE(manager.statInfo().contains("3"));
+}
+
+TEST_F(Statistics, AFullDiskKeepsTheLastWholeFile) {
+    VLStatisticManager manager(counters_, old_);
+    manager.statisticEvent(1);
+    ChildProcess host([&] {
+        ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit none{0, 0};
+        ::setrlimit(RLIMIT_FSIZE, &none);
+        for (int i = 0; i < 100; ++i) manager.statisticEvent(1);
+        return manager.statInfo()["1"] == 101 ? 0 : 1;
+    });
+    EXPECT_EQ(host.wait(), 0);
+    EXPECT_EQ(onDisk(), json({{"1", 1}}));
+    EXPECT_EQ(std::distance(fs::directory_iterator(counters_), fs::directory_iterator()), 1);
+}
+
+TEST_F(Statistics, AnOldFileMovesOnceAndReplacesTheNewOne) {
+    ASSERT_TRUE(vorla::createDirectories(folder_ / "Documents"));
+    ASSERT_TRUE(writeToPlistFile({{"1", 10}}, old_));
+    {
+        VLStatisticManager manager(counters_, old_);
+        manager.statisticEvent(1);
+        EXPECT_EQ(onDisk(), json({{"1", 11}}));
+        EXPECT_FALSE(fs::exists(old_));
+        ASSERT_TRUE(writeToPlistFile({{"1", 1}}, old_));
+        manager.statisticEvent(1);
+        EXPECT_EQ(manager.statFilePath(), path_);
+        EXPECT_TRUE(fs::exists(old_));
+    }
+    VLStatisticManager next(counters_, old_);
+    next.statisticEvent(1);
+    EXPECT_EQ(onDisk(), json({{"1", 2}}));
+}
+
+TEST_F(Statistics, ResetStartsFromNothing) {
+    VLStatisticManager manager(counters_, old_);
+    manager.statisticEvent(1);
+    manager.resetStatistic();
+    EXPECT_FALSE(fs::exists(path_));
+    EXPECT_FALSE(manager.statInfo().contains("1"));
+    manager.statisticEvent(2);
+    EXPECT_EQ(onDisk(), json({{"2", 1}}));
+    ASSERT_TRUE(writeToPlistFile({{"9", 9}}, path_));
+    manager.updateStatInfo();
+    EXPECT_EQ(manager.statInfo()["9"], 9);
+    EXPECT_FALSE(manager.statInfo().contains("2"));
+}
+
+TEST_F(Statistics, FactsAreAddedForAnUploadAndNeverStored) {
+    VLStatisticManager manager(counters_, old_);
+    manager.statisticEvent(1001);
+    const json info = manager.statInfo();
+    VLCaptureSetting& setting = VLCaptureSetting::sharedInstance();
+    const json expected = {{"1001", 1},
+                           {"1018", setting.isRunAlone()},
+                           {"1019", setting.isPlaySound()},
+                           {"1020", setting.isHighResolution()},
+                           {"1021", VLNEXUtilities::UUID().value()},
+                           {"1022", VLNEXUtilities::formattedVersion()},
+                           {"1023", setting.channel()}};
+    EXPECT_EQ(info, expected);
+    EXPECT_EQ(onDisk(), json({{"1001", 1}}));
+}
+
+TEST_F(Statistics, EntriesTellNumbersFromTexts) {
+    VLStatisticManager manager(counters_, old_);
+    manager.statisticEvent(5, json("text"));
+    manager.statisticEvent(6, json((uint64_t{1} << 32) + 9));
+    manager.statisticEvent(uint64_t{1} << 33, json::array());
+    std::map<uint32_t, std::pair<uint32_t, std::string>> seen;
+    for (const PakValue& one : VLSTStatProtocol_Function::ozuhdInstance(manager)) {
+        const auto entry = std::static_pointer_cast<VLSTStatProtocol_Function>(one.object());
+        EXPECT_EQ(entry->pak_iProtocol(), 8130U);
+        seen[entry->pak_iKey()] = {entry->pak_iValueI(), entry->pak_sValueI()};
+    }
+    EXPECT_EQ(seen.size(), 9U);
+    EXPECT_EQ(seen[5], std::make_pair(0U, std::string("text")));
+    EXPECT_EQ(seen[6], std::make_pair(9U, std::string()));
+    EXPECT_EQ(seen[0], std::make_pair(0U, std::string()));
+    EXPECT_EQ(seen[1022], std::make_pair(0U, VLNEXUtilities::formattedVersion()));
+    EXPECT_EQ(seen[1019].first, VLCaptureSetting::sharedInstance().isPlaySound() ? 1U : 0U);
+}
+
+TEST_F(Statistics, AForkedChildMayCountWhileThreadsDo) {
+    ChildProcess host([] {
+        VLStatisticManager& manager = VLStatisticManager::defaultStatisticManager();
+        std::jthread counter([&](const std::stop_token& stop) {
+            while (!stop.stop_requested()) manager.statisticEvent(1);
+        });
+        for (int i = 0; i < 50; ++i) {
+            ChildProcess child([&] {
+                ::alarm(10);
+                manager.statisticEvent(2);
+                return 0;
+            });
+            if (child.wait() != 0) return 1;
+        }
+        return 0;
+    });
+    EXPECT_EQ(host.wait(), 0);
+}
+
+}  // namespace

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "tests/support/PipedProgram.h"
+
+namespace vorla::test {
+
+/// The statistics server of tools/statserver as a real process on loopback.
+class StatServer {
+ public:
+    /// Further arguments as the tool takes them, as {"--reply", "bomb"}.
+    explicit StatServer(std::vector<std::string> arguments = {})
+        : program_(commandLine(std::move(arguments))),
+          url_(nextLine().value("url", std::string())) {}
+
+    [[nodiscard]] const std::string& url() const { return url_; }
+
+    /// The next request that it tells of; an empty object when none came in time.
+    nlohmann::json nextRequest(int milliseconds = 10000) { return nextLine(milliseconds); }
+
+ private:
+    static std::vector<std::string> commandLine(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), {"python3", VORLA_STATSERVER});
+        return arguments;
+    }
+    nlohmann::json nextLine(int milliseconds = 10000) {
+        const auto line = program_.nextLine(milliseconds);
+        return line ? nlohmann::json::parse(*line) : nlohmann::json::object();
+    }
+
+    PipedProgram program_;
+    std::string url_;
+};
+
+}  // namespace vorla::test

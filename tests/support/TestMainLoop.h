@@ -1,0 +1,66 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <utility>
+
+#include "platform/base/MainQueue.h"
+
+namespace vorla::test {
+
+/// A main loop without a toolkit: the thread that made it runs posted tasks while it waits for
+/// something. Delays are not kept.
+class TestMainLoop {
+ public:
+    TestMainLoop() : backend_(std::make_shared<Backend>()) { MainQueue::setBackend(backend_); }
+    ~TestMainLoop() { MainQueue::setBackend(nullptr); }
+    TestMainLoop(const TestMainLoop&) = delete;
+    TestMainLoop& operator=(const TestMainLoop&) = delete;
+
+    /// Runs until the condition holds; false when it did not in time.
+    template <typename Condition>
+    bool runUntil(Condition condition, std::chrono::milliseconds limit = std::chrono::seconds(20)) {
+        const auto latest = std::chrono::steady_clock::now() + limit;
+        while (!condition()) {
+            if (std::chrono::steady_clock::now() > latest) return false;
+            backend_->runOne(std::chrono::milliseconds(2), longestTask_);
+        }
+        return true;
+    }
+    /// How long the longest task has kept the loop.
+    [[nodiscard]] std::chrono::nanoseconds longestTask() const { return longestTask_; }
+
+ private:
+    struct Backend : MainQueue::Backend {
+        void post(std::chrono::milliseconds, MainQueue::Task task) override {
+            const std::lock_guard lock(mutex);
+            tasks.push_back(std::move(task));
+            posted.notify_one();
+        }
+        void runOne(std::chrono::milliseconds patience, std::chrono::nanoseconds& longest) {
+            MainQueue::Task task;
+            {
+                std::unique_lock lock(mutex);
+                if (!posted.wait_for(lock, patience, [this] { return !tasks.empty(); })) return;
+                task = std::move(tasks.front());
+                tasks.pop_front();
+            }
+            const auto start = std::chrono::steady_clock::now();
+            task();
+            task = nullptr;
+            longest = std::max(longest,
+                               std::chrono::nanoseconds(std::chrono::steady_clock::now() - start));
+        }
+        std::mutex mutex;
+        std::condition_variable posted;
+        std::deque<MainQueue::Task> tasks;
+    };
+
+    std::shared_ptr<Backend> backend_;
+    std::chrono::nanoseconds longestTask_{0};
+};
+
+}  // namespace vorla::test
