@@ -31,6 +31,16 @@ class X11Test : public testing::Test {
         ASSERT_TRUE(driver);
     }
 
+    /// Waits until the window manager has seen its clients go: the server gives their numbers to
+    /// the next test's windows, which the manager would take for the old ones.
+    void TearDown() override {
+        programs.clear();
+        EXPECT_TRUE(eventually([&] {
+            return driver->propertyWords(driver->screen()->root, "_NET_CLIENT_LIST").empty();
+        }));
+        runEventLoop(30);
+    }
+
     /// Starts a client window and waits until it is painted, in its place, and the screen is still:
     /// a window manager raises a new window a little later, and what that shows is painted anew.
     xcb_window_t open(const std::vector<std::string>& arguments) {

@@ -24,21 +24,23 @@ TEST_F(X11Windows, LayersFollowTypeAndState) {
         {"below", {"--state", "below"}, -1},
         {"dock", {"--type", "dock"}, 20},
         {"desktop", {"--type", "desktop"}, -20},
-        {"full screen", {"--state", "fullscreen"}, 24},
         {"unmanaged", {"--override-redirect"}, 101},
         {"unmanaged dock", {"--override-redirect", "--type", "dock"}, 20},
+        {"full screen", {"--state", "fullscreen"}, 24},
     };
+    int x = 50;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
+        const std::string place = "150x100+" + std::to_string(x) + "+60";
+        x += 200;
         std::vector<std::string> arguments = row.arguments;
-        arguments.insert(arguments.end(), {"--class", "Layered", "--geometry", "300x200+50+60"});
+        arguments.insert(arguments.end(), {"--class", "Layered", "--geometry", place});
         const xcb_window_t window = open(arguments);
         const auto found = entry(window);
         ASSERT_TRUE(found);
         EXPECT_EQ(found->layer, row.layer);
         EXPECT_EQ(found->ownerName, "Layered");
         EXPECT_EQ(found->pid, programs.back().pid());
-        programs.pop_back();
     }
 }
 
