@@ -1,8 +1,9 @@
 #include "capture/VLCapture.h"
 
+#include "NEX/NEX/OzuNexManager.h"
+#include "NEX/NEX/VLStatisticManager.h"
 #include "capture/VLCaptureManager.h"
 #include "capture/VLCaptureWindow.h"
-#include "capture/base/StatisticDoor.h"
 #include "capture/support/VLCaptureThemeManager.h"
 #include "capture/support/VLCursor.h"
 #include "platform/base/Bundle.h"
@@ -28,6 +29,7 @@ void loadLook() {
 }  // namespace
 
 void VLPrepareCapture() {
+    OzuNexManager::defaultManager().startStat();
     // An application object is the host's to make, and it may not have come to that yet.
     if (!vorla::attachToApplication()) return;
     const auto server = vorla::WindowServer::shared();
@@ -53,7 +55,7 @@ bool VLCancelCapture() {
 }
 
 void VLStatEvent(int event) {
-    vorla::fireStatisticEvent(event);
+    VLStatisticManager::defaultStatisticManager().statisticEvent(static_cast<uint64_t>(event));
 }
 
 void VLSetInfoValue(std::string_view key, std::string value) {

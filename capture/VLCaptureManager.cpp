@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "NEX/NEX/OzuNexManager.h"
 #include "capture/base/StatisticDoor.h"
 #include "capture/support/VLCaptureThemeManager.h"
 #include "platform/base/MainQueue.h"
@@ -42,6 +43,7 @@ std::shared_ptr<VLCaptureManager> VLCaptureManager::sharedInstance() {
 
 VLCaptureManager::VLCaptureManager() {
     VLLog("<VLCaptureManager> init");
+    OzuNexManager::defaultManager().startStat();
     VLCaptureThemeManager::sharedInstance().resetTheme();
     screenCount_ = numberOfScreens();
 }

@@ -27,7 +27,7 @@ std::string expandTilde(const std::string& path);
 /// The user's home directory, without a trailing slash.
 std::string homeDirectory();
 
-/// Per-user directories of the XDG base directory specification (version 0.8), each with its
+/// Per-user directories of the XDG base directory rules (version 0.8), each with its
 /// documented fallback under the home directory; relative values are ignored as it demands.
 std::string configHome();
 std::string dataHome();
