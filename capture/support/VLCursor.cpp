@@ -43,7 +43,7 @@ void VLCursor::clear() {
 
 QCursor VLCursor::getCursorWithImageName(const char* name) {
     const QImage image = VLCaptureThemeManager::sharedInstance().themedImageWithKey(name);
-    if (image.isNull()) return QCursor(Qt::ArrowCursor);
+    if (image.isNull()) return QCursor(Qt::BlankCursor);
     const QSizeF points = image.deviceIndependentSize();
     return QCursor(QPixmap::fromImage(image), static_cast<int>(points.width() / 2.0),
                    static_cast<int>(points.height() / 2.0));
