@@ -187,7 +187,6 @@ VLCaptureView::Hit VLCaptureView::hitByMousePoint(VLPoint point) {
 VLPoint VLCaptureView::pixelCorner(VLPoint point) const {
     const double scale = backingScale();
     const double width = bounds().width;
-    const double height = bounds().height;
     const double last = 1.0 / scale;
     const double x = std::floor(point.x * scale + 1e-6) / scale;
     const double y = std::ceil(point.y * scale - 1e-6) / scale;
