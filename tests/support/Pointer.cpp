@@ -13,6 +13,7 @@ QWindow* Pointer::window() const {
 }
 
 void Pointer::moveTo(QPoint at) {
+    at_ = at;
     if (window()) QTest::mouseMove(window(), at);
 }
 
@@ -29,11 +30,12 @@ void Pointer::drag(std::vector<QPoint> path, const std::function<void()>& during
         if (during) during();
         over = true;
         if (window())
-            QTest::mouseRelease(window(), Qt::LeftButton, {}, path.back());
+            QTest::mouseRelease(window(), Qt::LeftButton, {}, at_);
         else
             QTestPrivate::qtestMouseButtons = Qt::NoButton;
     });
     steps.start(0);
+    at_ = path.front();
     if (window()) QTest::mousePress(window(), Qt::LeftButton, {}, path.front());
     waitUntil([&over] { return over; });
     runPending();

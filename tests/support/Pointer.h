@@ -16,8 +16,8 @@ class Pointer {
     explicit Pointer(QWidget* panel) : panel_(panel) {}
 
     void moveTo(QPoint at);
-    /// Presses at the path's first point, goes along it and releases at its last one. `during` runs
-    /// before the release, in the nested loop of the drag.
+    /// Presses at the path's first point, goes along it and releases at its end. `during` runs
+    /// before the release, in the nested loop of the drag, and may move on.
     void drag(std::vector<QPoint> path, const std::function<void()>& during = {});
     /// So many clicks in quick succession.
     void click(QPoint at, int times = 1, Qt::MouseButton button = Qt::LeftButton);
@@ -27,6 +27,7 @@ class Pointer {
  private:
     [[nodiscard]] QWindow* window() const;
     QPointer<QWidget> panel_;
+    QPoint at_;
 };
 
 /// Runs the event loop until the condition holds, or for five seconds at most.
