@@ -54,7 +54,7 @@ void VLCaptureSizeInfoView::configAppearanceAndLayout() {
 
 void VLCaptureSizeInfoView::resizeEvent(QResizeEvent* event) {
     sizeView_->setFrame(bounds());
-    VLView::resizeEvent(event);
+    QWidget::resizeEvent(event);
 }
 
 VLPoint VLCaptureSizeInfoView::originForRect(const VLRect& rect) const {

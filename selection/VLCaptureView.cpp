@@ -187,7 +187,6 @@ VLCaptureView::Hit VLCaptureView::hitByMousePoint(VLPoint point) {
 VLPoint VLCaptureView::pixelCorner(VLPoint point) const {
     const double scale = backingScale();
     const double width = bounds().width;
-    const double height = bounds().height;
     const double last = 1.0 / scale;
     const double x = std::floor(point.x * scale + 1e-6) / scale;
     const double y = std::ceil(point.y * scale - 1e-6) / scale;
@@ -212,7 +211,8 @@ void VLCaptureView::mouseDown(const VLMouseEvent& event) {
     }
     const VLPoint point = convertPointFromWindow(event.locationInWindow);
     Drag drag;
-    drag.pressPoint = drag.fixedPoint = drag.lastDraggedPoint = pixelCorner(point);
+    drag.pressPoint = drag.fixedPoint = pixelCorner(point);
+    drag.lastDraggedPoint = point;
     if (selectedItemType_ != VLSelectedItemTypeNone) {
         const Hit hit = hitByMousePoint(point);
         setSelectedItemType(hit.selectedItemType);
@@ -235,7 +235,7 @@ void VLCaptureView::track(Drag drag) {
                 drag.dragged = true;
                 setStartPoint(drag.pressPoint);
             }
-            const VLPoint point = pixelCorner(convertPointFromWindow(event->locationInWindow));
+            const VLPoint point = convertPointFromWindow(event->locationInWindow);
             handelMouseDraggedWithFixedPoint(drag.fixedPoint, drag.lastDraggedPoint, point);
             drag.lastDraggedPoint = point;
             return VLEventTracker::Flow::Continue;
@@ -266,6 +266,7 @@ void VLCaptureView::handleMouseUp(const VLMouseEvent& event, const Drag& drag) {
 void VLCaptureView::handelMouseDraggedWithFixedPoint(VLPoint fixedPoint, VLPoint lastDraggedPoint,
                                                      VLPoint draggedPoint) {
     const VLRect selected = selectedRect();
+    const VLPoint corner = pixelCorner(draggedPoint);
     const auto spanned = [fixedPoint](VLPoint to) {
         return VLCaptureUtilities::minRectWithFirstPoint(fixedPoint, to);
     };
@@ -273,18 +274,18 @@ void VLCaptureView::handelMouseDraggedWithFixedPoint(VLPoint fixedPoint, VLPoint
     switch (selectedItemType_) {
         case VLSelectedItemTypeNone:
         case VLSelectedItemTypeCornerResize:
-            result = spanned(draggedPoint);
+            result = spanned(corner);
             break;
         case VLSelectedItemTypeMove: {
-            const VLPoint moved = draggedPoint - lastDraggedPoint;
+            const VLPoint moved = corner - pixelCorner(lastDraggedPoint);
             result = VLCaptureUtilities::fixedRect(selected.offsetBy(moved.x, moved.y), bounds());
             break;
         }
         case VLSelectedItemTypeHorizontalResize:
-            result = spanned({draggedPoint.x, selected.maxY()});
+            result = spanned({corner.x, selected.maxY()});
             break;
         case VLSelectedItemTypeVerticalResize:
-            result = spanned({selected.maxX(), draggedPoint.y});
+            result = spanned({selected.maxX(), corner.y});
             break;
         default:
             break;

@@ -1,5 +1,6 @@
 #include "selection/dimming.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -57,15 +58,27 @@ void dimRow(uint32_t* target, const uint32_t* source, int count, const Blend& bl
     for (; i < count; ++i) target[i] = blend.pixel(source[i]);
 }
 
+template <typename Row>
+void forEachRow(const QImage& source, const QRect& rect, QImage& target, QPoint at, Row row) {
+    for (int y = 0; y < rect.height(); ++y)
+        row(reinterpret_cast<uint32_t*>(target.scanLine(at.y() + y)) + at.x(),
+            reinterpret_cast<const uint32_t*>(source.constScanLine(rect.y() + y)) + rect.x());
+}
+
 }  // namespace
 
-void copyDimmed(const QImage& source, const QRect& rect, const QColor& color, QImage& target) {
+void copyDimmed(const QImage& source, const QRect& rect, const QColor& color, QImage& target,
+                QPoint at) {
     const Blend blend(color);
-    for (int row = 0; row < rect.height(); ++row) {
-        const auto* from =
-            reinterpret_cast<const uint32_t*>(source.constScanLine(rect.y() + row)) + rect.x();
-        dimRow(reinterpret_cast<uint32_t*>(target.scanLine(row)), from, rect.width(), blend);
-    }
+    forEachRow(source, rect, target, at,
+               [&](uint32_t* to, const uint32_t* from) { dimRow(to, from, rect.width(), blend); });
+}
+
+void copyPixels(const QImage& source, const QRect& rect, QImage& target, QPoint at) {
+    forEachRow(source, rect, target, at, [&](uint32_t* to, const uint32_t* from) {
+        std::transform(from, from + rect.width(), to,
+                       [](uint32_t pixel) { return pixel | 0xff000000U; });
+    });
 }
 
 }  // namespace vorla

@@ -47,18 +47,22 @@ QImage VLCaptureWindowInfo::windowImageIsKeyWindow(bool isKeyWindow) {
         windowImage_ = vorla::imagePart(frozenScreen, windowFrame);
         return windowImage_;
     }
-    windowImage_ = picture(*this, WindowPicture::Frame);
-    if (!windowImage_.isNull())
-        isTransparent_ = VLCaptureUtilities::isTransparentImage(
-            windowImage_, {static_cast<double>(windowImage_.width() / 2),
-                           static_cast<double>(windowImage_.height() / 2)});
+    grabWindowImage();
     return windowImage_;
+}
+
+void VLCaptureWindowInfo::grabWindowImage() {
+    const QImage image = picture(*this, WindowPicture::Frame);
+    if (image.isNull()) return;
+    windowImage_ = image;
+    isTransparent_ = VLCaptureUtilities::isTransparentImage(
+        image, {static_cast<double>(image.width() / 2), static_cast<double>(image.height() / 2)});
 }
 
 QImage VLCaptureWindowInfo::windowImageWithShadow() {
     if (isDesktop()) return {};
     if (windowImageWithShadow_.isNull()) {
-        windowImage_ = picture(*this, WindowPicture::Frame);
+        grabWindowImage();
         windowImageWithShadow_ = picture(*this, WindowPicture::FrameWithShadow);
     }
     return windowImageWithShadow_;

@@ -41,11 +41,14 @@ class VLCaptureWindowInfo {
     QImage windowImage() { return windowImageIsKeyWindow(false); }
     /// The key window's picture is cut out of the frozen screen as it looks, overlaps included.
     QImage windowImageIsKeyWindow(bool isKeyWindow);
-    /// The picture with its shadow, made at the first call; null like `windowImage`.
+    /// The picture with its shadow, made at the first call together with a new `windowImage`; null
+    /// like that.
     QImage windowImageWithShadow();
 
  private:
     [[nodiscard]] bool isDesktop() const;
+    /// Takes the picture anew; what was there stays if the window has gone.
+    void grabWindowImage();
 
     QImage windowImage_;
     QImage windowImageWithShadow_;

@@ -42,10 +42,11 @@ class DragFilter : public QObject {
         });
         silence_.start();
         qApp->installEventFilter(this);
-        while (!stopped_ && panelIsThere()) loop_.exec();
+        // Ends without the handler only when the program quits: to try again would spin for ever.
+        if (panelIsThere()) loop_.exec();
         qApp->removeEventFilter(this);
         silence_.stop();
-        return panelIsThere();
+        return stopped_ && panelIsThere();
     }
 
     /// Delivers what was held back, to the windows that are still there.

@@ -12,8 +12,9 @@ class VLView;
 ///
 /// While it runs, drags and releases of the left button go to the handler; keys, other buttons and
 /// the wheel are held back and delivered in order afterwards. Timers and the screen go on. The loop
-/// ends on the handler's word, when no event came within the time-out, or when the view's panel
-/// goes away under it. One drag at a time: a second call while one runs returns at once.
+/// ends on the handler's word, when no event came within the time-out, when the view's panel goes
+/// away under it, or when the program quits. One drag at a time: a second call while one runs
+/// returns at once.
 class VLEventTracker {
  public:
     /// Events that a drag may ask for, as bits.
@@ -23,8 +24,9 @@ class VLEventTracker {
     /// Receives each event; null stands for the time-out.
     using Handler = std::function<Flow(const VLMouseEvent* event)>;
 
-    /// Returns when the drag is over. False when it ended because the panel went away: the caller
-    /// then touches nothing that belongs to the session. The view itself still exists.
+    /// Returns when the drag is over. False when it ended because the panel went away or the
+    /// program quits: the caller then touches nothing that belongs to the session. The view itself
+    /// still exists.
     static bool trackEventsMatchingMask(VLView& view, unsigned mask,
                                         std::chrono::milliseconds timeout, const Handler& handler);
 

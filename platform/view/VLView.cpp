@@ -50,12 +50,12 @@ void VLView::deriveGeometry() {
     else
         exact = {frame_.x, frame_.y, frame_.width, frame_.height};
     const QRect whole = exact.toAlignedRect();
-    originInWidget_ = QPointF(exact.left() - whole.left(), exact.bottom() - whole.top());
+    const QPointF origin(exact.left() - whole.left(), exact.bottom() - whole.top());
     setGeometry(whole);
-}
-
-void VLView::resizeEvent(QResizeEvent* event) {
-    QWidget::resizeEvent(event);
+    if (origin == originInWidget_) return;
+    originInWidget_ = origin;
+    // What was drawn, and the subviews, sit on the origin: a move by a part of a point shifts them.
+    update();
     for (QObject* child : children())
         if (auto* view = dynamic_cast<VLView*>(child)) view->deriveGeometry();
 }
@@ -175,7 +175,11 @@ QImage renderViewTree(VLView& view, const VLRect& rect, double scale) {
     QImage image(size, QImage::Format_RGB32);
     if (image.isNull()) return {};
     image.setDevicePixelRatio(scale);
+    image.fill(Qt::black);
     const QRect part = view.widgetRect(rect);
-    view.render(&image, QPoint(), QRegion(part), QWidget::DrawChildren);
+    const QPointF corner = view.widgetPoint({rect.x, rect.maxY()});
+    QPainter painter(&image);
+    painter.translate(part.topLeft() - corner);
+    view.render(&painter, QPoint(), QRegion(part), QWidget::DrawChildren);
     return image;
 }

@@ -72,10 +72,10 @@ class VLView : public QWidget {
     void mouseReleaseEvent(QMouseEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
 
  private:
     friend class VLPanel;
+    friend QImage renderViewTree(VLView& view, const VLRect& rect, double scale);
     /// Fits the widget's whole-number geometry around the frame.
     void deriveGeometry();
     [[nodiscard]] QPointF widgetPoint(VLPoint point) const;
@@ -91,6 +91,6 @@ class VLView : public QWidget {
 /// Draws a view and everything in it by the views' ordinary drawing into a picture.
 ///
 /// `rect` is in the view's coordinates and should be whole in device pixels of `scale`; the result
-/// holds rect's size times `scale` pixels and has `scale` as its device pixel ratio. Null for an
-/// empty rectangle.
+/// holds rect's size times `scale` pixels, black where no view draws, and has `scale` as its device
+/// pixel ratio. Null for an empty rectangle.
 QImage renderViewTree(VLView& view, const VLRect& rect, double scale);

@@ -13,8 +13,9 @@ class ClickCounter {
  public:
     int countOf(const QMouseEvent& press) {
         const QPointF place = press.globalPosition();
-        const bool same =
-            press.timestamp() == time_ && press.button() == button_ && place == place_;
+        // A press that is passed on to a parent arrives there with its place rounded to points.
+        const bool same = press.timestamp() == time_ && press.button() == button_ &&
+                          (place - place_).manhattanLength() < 2.0;
         if (same && count_ > 0) return count_;
         type_ = press.type();
         const QStyleHints* hints = QGuiApplication::styleHints();
@@ -54,18 +55,19 @@ bool repeatsPress(const QMouseEvent& event) {
     return clickCounter().repeats(event);
 }
 
-VLPoint locationInWindow(QPointF position, const QWidget& receiver) {
-    const QWidget* panel = receiver.window();
-    const double scale = panel->devicePixelRatioF();
-    const QPointF inPanel = receiver.mapTo(panel, position);
+VLPoint locationInWindow(QPointF globalPosition, const QWidget& panel) {
+    const double scale = panel.devicePixelRatioF();
+    const QPointF inPanel = panel.mapFromGlobal(globalPosition);
     // The tolerance keeps a whole pixel whole at scales such as 1.25, where 1/scale is not exact.
     const auto middle = [scale](double v) { return (std::floor(v * scale + 1e-6) + 0.5) / scale; };
-    return {middle(inPanel.x()), panel->height() - middle(inPanel.y())};
+    return {middle(inPanel.x()), panel.height() - middle(inPanel.y())};
 }
 
 VLMouseEvent mouseEvent(const QSinglePointEvent& event, const QWidget& receiver,
                         VLMouseEvent::Type type) {
-    return {type, locationInWindow(event.position(), receiver), 0, event.modifiers()};
+    // The position in the receiver is rounded to points on the way; the one on the desktop is not.
+    return {type, locationInWindow(event.globalPosition(), *receiver.window()), 0,
+            event.modifiers()};
 }
 
 VLMouseEvent mouseEvent(const QMouseEvent& event, const QWidget& receiver,
@@ -82,7 +84,7 @@ VLMouseEvent mouseEvent(const QMouseEvent& event, const QWidget& receiver,
 }
 
 VLPoint pointerLocationInWindow(const QWidget& panel) {
-    return locationInWindow(panel.mapFromGlobal(QPointF(QCursor::pos())), panel);
+    return locationInWindow(QPointF(QCursor::pos()), panel);
 }
 
 }  // namespace vorla

@@ -20,7 +20,7 @@ bool repeatsPress(const QMouseEvent& event);
 /// Where the pointer is now, in the panel's coordinates.
 VLPoint pointerLocationInWindow(const QWidget& panel);
 
-/// The middle of the device pixel at a widget position (y-down, points), y-up in the panel.
-VLPoint locationInWindow(QPointF position, const QWidget& receiver);
+/// The middle of the device pixel at a position on the desktop (y-down, points), y-up in the panel.
+VLPoint locationInWindow(QPointF globalPosition, const QWidget& panel);
 
 }  // namespace vorla
