@@ -57,11 +57,7 @@ struct PakFieldTraits<T> {
 
     static std::optional<T> unpack(PakInputStream& stream, const PakPropertyInfo& info) {
         if constexpr (letter() == 'Q') pakFail("0");
-        const PakValue number = stream.readNumber(static_cast<int32_t>(info.tag), info.flag);
-        if (!number) return std::nullopt;
-        if constexpr (std::same_as<T, bool>) return number.doubleValue() != 0;
-        if constexpr (std::floating_point<T>) return static_cast<T>(number.doubleValue());
-        return static_cast<T>(number.int64Value());
+        return stream.readNumberAs<T>(static_cast<int32_t>(info.tag), info.flag);
     }
 };
 
@@ -97,6 +93,10 @@ struct PakFieldTraits<std::string> : PakClassFieldTraits<std::string, PakFieldTr
         stream.writeString(value, tag);
     }
     static std::string taken(PakValue&& value) { return std::string(value.stringValue()); }
+    static std::optional<std::string> unpack(PakInputStream& stream, const PakPropertyInfo& info) {
+        if (info.ext) return PakClassFieldTraits::unpack(stream, info);
+        return stream.readString(static_cast<int32_t>(info.tag), info.flag);
+    }
 };
 
 template <>

@@ -132,6 +132,10 @@ void PakInputStream::skip(int64_t count) {
 
 int64_t PakInputStream::readInt(int32_t tag) {
     pakAssert(readHead() && headTag_ == tag, "_headTag == tag");
+    return takeInteger();
+}
+
+int64_t PakInputStream::takeInteger() {
     switch (headType_) {
         case PAK_TYPE_INT1:
             return readInt1();
@@ -293,10 +297,13 @@ void PakInputStream::skipToStructureEnd() {
 }
 
 size_t PakInputStream::elementsToReserve(int64_t announced) const {
-    if (announced <= static_cast<int64_t>(vorla::PakLimits::kUncountedElements)) return 0;
+    using vorla::PakLimits;
+    if (announced <= 0) return 0;
+    const auto count = static_cast<size_t>(announced);
+    if (count <= PakLimits::kUncountedElements) return std::min(count, PakLimits::kReservedUnseen);
     const std::span<const uint8_t> left(streamBuffer_ + cursor_,
                                         static_cast<size_t>(streamSize_ - cursor_));
-    return vorla::countWholeFields(left, static_cast<size_t>(announced));
+    return vorla::countWholeFields(left, count);
 }
 
 std::optional<PakArray> PakInputStream::readArray(int32_t tag, bool required,

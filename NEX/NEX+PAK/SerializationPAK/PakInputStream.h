@@ -64,6 +64,9 @@ class PakInputStream : public PakStream {
     // Fields that may be absent.
     /// A number of the kind and width that was stored.
     PakValue readNumber(int32_t tag, bool required);
+    /// The same converted to the type of a number: integers are cut to its width, see PakValue.
+    template <vorla::PakScalar T>
+    std::optional<T> readNumberAs(int32_t tag, bool required);
     /// Absent too when the bytes are no well-formed UTF-8.
     std::optional<std::string> readString(int32_t tag, bool required);
     /// The same without a copy, good as long as the source.
@@ -71,6 +74,8 @@ class PakInputStream : public PakStream {
     /// Its three failures (absent though required, wrong type, wrong element type) raise
     /// PakInconsistencyException with an empty text.
     std::optional<PakData> readData(int32_t tag, bool required);
+    /// The same without a copy, good as long as the source.
+    std::optional<std::span<const uint8_t>> readDataView(int32_t tag, bool required);
     PakObjectPtr readObject(int32_t tag, bool required, const PakClass& description);
     std::optional<PakArray> readArray(int32_t tag, bool required,
                                       const PakDescription& description);
@@ -93,7 +98,8 @@ class PakInputStream : public PakStream {
     bool beginField(int32_t tag, bool required);
     std::span<const uint8_t> take(int64_t length);
     std::span<const uint8_t> takeSimpleList();
-    std::optional<std::span<const uint8_t>> readDataView(int32_t tag, bool required);
+    /// The number behind the head that was read last.
+    int64_t takeInteger();
     void skipToStructureEnd();
     [[nodiscard]] size_t elementsToReserve(int64_t announced) const;
 
@@ -103,3 +109,17 @@ class PakInputStream : public PakStream {
     int nesting_ = 0;
     PakData dataHolders_;
 };
+
+template <vorla::PakScalar T>
+std::optional<T> PakInputStream::readNumberAs(int32_t tag, bool required) {
+    if (!beginField(tag, required)) return std::nullopt;
+    if (headType_ != PAK_TYPE_FLOAT && headType_ != PAK_TYPE_DOUBLE) {
+        const int64_t integer = takeInteger();
+        if constexpr (std::same_as<T, bool>) return integer != 0;
+        return static_cast<T>(integer);
+    }
+    const double real = headType_ == PAK_TYPE_FLOAT ? double{readFloat()} : readDouble();
+    if constexpr (std::same_as<T, bool>) return real != 0;
+    if constexpr (std::floating_point<T>) return static_cast<T>(real);
+    return static_cast<T>(vorla::integerOf(real));
+}

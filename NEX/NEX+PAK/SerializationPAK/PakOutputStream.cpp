@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
+#include <utility>
 
 #include "NEX/NEX+PAK/SerializationPAK/PakFailure.h"
 #include "NEX/NEX+PAK/SerializationPAK/PakObject.h"
@@ -28,6 +29,29 @@ int32_t checkedSize(size_t size) {
 }
 
 }  // namespace
+
+namespace {
+
+/// The buffer of the thread's last stream of the default capacity, for the next one: every nested
+/// structure takes one.
+struct SpareBuffer {
+    uint8_t* memory = nullptr;
+    SpareBuffer() = default;
+    ~SpareBuffer() { std::free(memory); }
+    SpareBuffer(const SpareBuffer&) = delete;
+    SpareBuffer& operator=(const SpareBuffer&) = delete;
+};
+thread_local SpareBuffer spareBuffer;
+
+}  // namespace
+
+PakOutputStream::PakOutputStream() {
+    streamSize_ = kDefaultCapacity;
+    spare_ = std::exchange(spareBuffer.memory, nullptr);
+    if (!spare_) spare_ = static_cast<uint8_t*>(std::malloc(kDefaultCapacity));
+    streamBuffer_ = spare_;
+    pakAssert(streamBuffer_ != nullptr, "_streamBuffer");
+}
 
 PakOutputStream::PakOutputStream(int32_t initWithBufferSize) {
     streamSize_ = std::max(initWithBufferSize, 1);
@@ -60,6 +84,7 @@ void PakOutputStream::grow(int64_t size) {
     void* moved = std::realloc(streamBuffer_, static_cast<size_t>(capacity));
     pakAssert(moved != nullptr, "_streamBuffer");
     streamBuffer_ = static_cast<uint8_t*>(moved);
+    spare_ = nullptr;
     streamSize_ = static_cast<int32_t>(capacity);
 }
 
@@ -111,20 +136,27 @@ void PakOutputStream::fillWithZero(int32_t count) {
 }
 
 void PakOutputStream::writeInt(int64_t value, int32_t tag) {
-    if (value == 0) {
-        writeTag(tag, PAK_TYPE_ZERO);
-    } else if (value == static_cast<int8_t>(value)) {
-        writeTag(tag, PAK_TYPE_INT1);
-        writeInt1(static_cast<int8_t>(value));
-    } else if (value == static_cast<int16_t>(value)) {
-        writeTag(tag, PAK_TYPE_INT2);
-        writeInt2(static_cast<int16_t>(value));
-    } else if (value == static_cast<int32_t>(value)) {
-        writeTag(tag, PAK_TYPE_INT4);
-        writeInt4(static_cast<int32_t>(value));
-    } else {
-        writeTag(tag, PAK_TYPE_INT8);
-        writeInt8(value);
+    const int width = value == 0                             ? 0
+                      : value == static_cast<int8_t>(value)  ? 1
+                      : value == static_cast<int16_t>(value) ? 2
+                      : value == static_cast<int32_t>(value) ? 4
+                                                             : 8;
+    preventBufferOverflow(width + (tag < 15 ? 1 : 2));
+    switch (width) {
+        case 0:
+            return writeTag(tag, PAK_TYPE_ZERO);
+        case 1:
+            writeTag(tag, PAK_TYPE_INT1);
+            return writeInt1(static_cast<int8_t>(value));
+        case 2:
+            writeTag(tag, PAK_TYPE_INT2);
+            return writeInt2(static_cast<int16_t>(value));
+        case 4:
+            writeTag(tag, PAK_TYPE_INT4);
+            return writeInt4(static_cast<int32_t>(value));
+        default:
+            writeTag(tag, PAK_TYPE_INT8);
+            return writeInt8(value);
     }
 }
 

@@ -16,7 +16,7 @@
 class PakOutputStream : public PakStream {
  public:
     /// A stream of the default capacity, 4096 bytes.
-    PakOutputStream() : PakOutputStream(4096) {}
+    PakOutputStream();
     /// Below 1 counts as 1.
     explicit PakOutputStream(int32_t initWithBufferSize);
     ~PakOutputStream() override;
@@ -68,4 +68,8 @@ class PakOutputStream : public PakStream {
     }
     void grow(int64_t size);
     [[nodiscard]] uint8_t* place() const { return streamBuffer_ + cursor_; }
+
+    static constexpr int32_t kDefaultCapacity = 4096;
+    /// The buffer while it is one of exactly the default capacity.
+    uint8_t* spare_ = nullptr;
 };

@@ -17,6 +17,8 @@ struct PakLimits {
     /// as far as that many whole fields really follow, for growing by doubling would take several
     /// times the memory of the finished list.
     static constexpr size_t kUncountedElements = 64;
+    /// Room that a list gets at once: so few elements take less than the list itself.
+    static constexpr size_t kReservedUnseen = 8;
     /// At most so many bytes of memory are reserved ahead for each byte that is left to read: the
     /// fields that follow may be shorter than any element could be.
     static constexpr size_t kMemoryPerByte = 16;

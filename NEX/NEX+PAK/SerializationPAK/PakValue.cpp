@@ -129,23 +129,33 @@ char PakValue::numberType() const {
 }
 
 int64_t PakValue::int64Value() const {
-    return std::visit(
-        [](const auto& value) -> int64_t {
-            using T = std::decay_t<decltype(value)>;
-            if constexpr (std::floating_point<T>) {
-                // 2^63 is exact in both types, the largest 64-bit integer is in neither.
-                constexpr T kLimit = static_cast<T>(9223372036854775808.0);
-                if (std::isnan(value)) return 0;
-                if (value >= kLimit) return std::numeric_limits<int64_t>::max();
-                if (value < -kLimit) return std::numeric_limits<int64_t>::min();
-                return static_cast<int64_t>(value);
-            } else if constexpr (std::integral<T>) {
-                return static_cast<int64_t>(value);
-            } else {
-                return 0;
-            }
-        },
-        storage_);
+    // By hand: a visit of so many alternatives is a call through a table.
+    switch (numberType()) {
+        case 'B':
+            return *std::get_if<bool>(&storage_) ? 1 : 0;
+        case 'c':
+            return *std::get_if<int8_t>(&storage_);
+        case 'C':
+            return *std::get_if<uint8_t>(&storage_);
+        case 's':
+            return *std::get_if<int16_t>(&storage_);
+        case 'S':
+            return *std::get_if<uint16_t>(&storage_);
+        case 'i':
+            return *std::get_if<int32_t>(&storage_);
+        case 'I':
+            return *std::get_if<uint32_t>(&storage_);
+        case 'q':
+            return *std::get_if<int64_t>(&storage_);
+        case 'Q':
+            return static_cast<int64_t>(*std::get_if<uint64_t>(&storage_));
+        case 'f':
+            return vorla::integerOf(*std::get_if<float>(&storage_));
+        case 'd':
+            return vorla::integerOf(*std::get_if<double>(&storage_));
+        default:
+            return 0;
+    }
 }
 
 double PakValue::doubleValue() const {

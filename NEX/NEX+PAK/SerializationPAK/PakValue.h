@@ -91,6 +91,15 @@ auto storedNumber(T value) {
         return static_cast<std::conditional_t<std::is_signed_v<T>, int64_t, uint64_t>>(value);
 }
 
+/// A number as signed 64 bits: cut towards zero, kept within the range, 0 for not-a-number.
+inline int64_t integerOf(double number) {
+    // 2^63 is exact as a double, the largest 64-bit integer is not.
+    constexpr double kLimit = 9223372036854775808.0;
+    if (number != number) return 0;
+    if (number >= kLimit) return INT64_MAX;
+    return number < -kLimit ? INT64_MIN : static_cast<int64_t>(number);
+}
+
 }  // namespace vorla
 
 /// Any value that a stream can carry: nothing, a number that keeps its stored type, a string

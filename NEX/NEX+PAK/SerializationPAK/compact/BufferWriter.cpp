@@ -6,11 +6,14 @@ namespace analyticspak {
 
 void BufferWriter::grow(size_t count) {
     constexpr size_t kFirst = 128;
-    const size_t capacity = std::max({length_ + count, capacity_ * 2, kFirst});
-    auto larger = std::make_unique_for_overwrite<uint8_t[]>(capacity);
-    if (length_ > 0) std::memcpy(larger.get(), bytes_.get(), length_);
-    bytes_ = std::move(larger);
-    capacity_ = capacity;
+    const size_t used = length();
+    const auto capacity = static_cast<size_t>(end_ - bytes_.get());
+    const size_t larger = std::max({used + count, capacity * 2, kFirst});
+    auto moved = std::make_unique_for_overwrite<uint8_t[]>(larger);
+    if (used > 0) std::memcpy(moved.get(), bytes_.get(), used);
+    bytes_ = std::move(moved);
+    place_ = bytes_.get() + used;
+    end_ = bytes_.get() + larger;
 }
 
 }  // namespace analyticspak

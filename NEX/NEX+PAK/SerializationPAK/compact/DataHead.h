@@ -24,16 +24,23 @@ struct DataHead {
 
     void readFrom(BufferReader& reader) { reader.skip(peekFrom(reader)); }
 
-    void writeTo(BufferWriter& writer) const {
-        uint8_t* const to = writer.reserve(2);
+    void writeTo(BufferWriter& writer) const { writer.advance(storeAt(writer.reserve(8))); }
+
+    /// Stores the head at a place with room for eight bytes; gives its length.
+    size_t storeAt(uint8_t* to) const { return storeAt(to, type, tag, 0); }
+
+    /// The same with the first bytes of the payload, the highest first, behind the head. As many of
+    /// them are kept as the caller advances by.
+    [[gnu::always_inline]] static size_t storeAt(uint8_t* to, uint8_t type, uint8_t tag,
+                                                 uint64_t payload) {
         if (tag < 15) {
-            to[0] = static_cast<uint8_t>(tag << 4 | type);
-            writer.advance(1);
-        } else {
-            to[0] = static_cast<uint8_t>(0xF0 | type);
-            to[1] = tag;
-            writer.advance(2);
+            const auto head = static_cast<uint64_t>(tag << 4 | type);
+            BufferWriter::storeWord(to, head << 56 | payload >> 8);
+            return 1;
         }
+        const auto head = static_cast<uint64_t>(0xF0U | type) << 8 | tag;
+        BufferWriter::storeWord(to, head << 48 | payload >> 16);
+        return 2;
     }
 };
 

@@ -160,8 +160,10 @@ std::span<const uint8_t> PakInputStream::takeSimpleList(uint8_t tag) {
 
 size_t PakInputStream::elementsToReserve(int32_t announced, size_t elementSize) const {
     const auto count = static_cast<size_t>(announced);
-    if (count <= vorla::PakLimits::kUncountedElements) return 0;
-    const size_t affordable = reader_.left() * vorla::PakLimits::kMemoryPerByte / elementSize;
+    using vorla::PakLimits;
+    const size_t affordable = reader_.left() * PakLimits::kMemoryPerByte / elementSize;
+    if (count <= PakLimits::kUncountedElements)
+        return std::min({count, affordable, PakLimits::kReservedUnseen});
     return vorla::countWholeFields({reader_.place(), reader_.left()}, std::min(count, affordable));
 }
 

@@ -4,10 +4,8 @@
 
 namespace analyticspak {
 
-void PakOutputStream::checkLength(size_t length, uint8_t tag) {
-    if (length > kMaxStringLength)
-        raiseDecodeLong("invalid string size, tag: %d, size: %u", tag,
-                        static_cast<unsigned>(length));
+void PakOutputStream::raiseLength(size_t length, uint8_t tag) {
+    raiseDecodeLong("invalid string size, tag: %d, size: %u", tag, static_cast<unsigned>(length));
 }
 
 }  // namespace analyticspak

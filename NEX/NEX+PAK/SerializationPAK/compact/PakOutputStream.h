@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <bit>
 #include <concepts>
 #include <map>
@@ -28,8 +27,10 @@ concept WritableRecord = requires(const T& record, PakOutputStream& stream) {
     record.writeTo(stream);
 };
 
-/// Writes fields into one buffer, structures within it too. Raises PakDecodeException for a string
-/// above the limit; the buffer then ends somewhere in that field.
+/// Writes fields into one buffer, structures within it too. What writes numbers and strings is
+/// always inlined: with the tags known, heads become constants, and no call stands between two
+/// fields. Raises PakDecodeException for a string above the limit; the buffer then ends somewhere
+/// in that field.
 class PakOutputStream {
  public:
     [[nodiscard]] std::span<const uint8_t> bytes() const { return writer_.bytes(); }
@@ -42,41 +43,38 @@ class PakOutputStream {
 
     /// Any integer up to signed 64 bits (char, short, int, long), in the smallest form.
     template <std::integral T>
-    void write(T value, uint8_t tag) {
+    [[gnu::always_inline]] void write(T value, uint8_t tag) {
         static_assert(std::same_as<T, bool> || std::is_signed_v<T> || sizeof(T) < 8);
-        if constexpr (std::same_as<T, char>)
-            writeInteger(static_cast<signed char>(value), tag);
+        if constexpr (sizeof(T) == 1)
+            writeInteger(static_cast<int32_t>(static_cast<Byte<T>>(value)), tag);
+        else if constexpr (sizeof(T) < 4 || std::is_signed_v<T>)
+            writeInteger(static_cast<std::conditional_t<sizeof(T) == 8, int64_t, int32_t>>(value),
+                         tag);
         else
             writeInteger(static_cast<int64_t>(value), tag);
     }
 
     void write(float value, uint8_t tag) {
-        writeHead(PAK_TYPE_FLOAT, tag);
-        writer_.advance(static_cast<size_t>(
-            pack_32(writer_.reserve(sizeof value), std::bit_cast<int32_t>(value))));
+        const uint64_t bits = std::bit_cast<uint32_t>(value);
+        writer_.advance(DataHead::storeAt(writer_.reserve(8), PAK_TYPE_FLOAT, tag, bits << 32) + 4);
     }
     void write(double value, uint8_t tag) {
-        writeHead(PAK_TYPE_DOUBLE, tag);
-        writer_.advance(static_cast<size_t>(
-            pack_64(writer_.reserve(sizeof value), std::bit_cast<int64_t>(value))));
+        uint8_t* const to = writer_.reserve(10);
+        const size_t head = DataHead::storeAt(to, PAK_TYPE_DOUBLE, tag, 0);
+        BufferWriter::storeWord(to + head, std::bit_cast<uint64_t>(value));
+        writer_.advance(head + 8);
     }
 
-    void write(std::string_view text, uint8_t tag) {
-        // Head and short length lie in the room that also takes the text.
-        uint8_t* to = writer_.reserve(text.size() + 6);
-        if (text.size() >= 256) {
-            checkLength(text.size(), tag);
-            writeHead(PAK_TYPE_STRING4, tag);
-            to = writer_.reserve(text.size() + 4);
-            pack_32(to, static_cast<int32_t>(text.size()));
-            std::memcpy(to + 4, text.data(), text.size());
-            writer_.advance(text.size() + 4);
-            return;
-        }
-        const size_t head = storeHead(to, PAK_TYPE_STRING1, tag);
-        to[head] = static_cast<uint8_t>(text.size());
-        if (!text.empty()) std::memcpy(to + head + 1, text.data(), text.size());
-        writer_.advance(head + 1 + text.size());
+    [[gnu::always_inline]] void write(std::string_view text, uint8_t tag) {
+        const uint64_t size = text.size();
+        if (size > kMaxStringLength) [[unlikely]]
+            raiseLength(size, tag);
+        uint8_t* const to = writer_.reserve(size + 8);
+        const size_t start = size < 256
+                                 ? DataHead::storeAt(to, PAK_TYPE_STRING1, tag, size << 56) + 1
+                                 : DataHead::storeAt(to, PAK_TYPE_STRING4, tag, size << 32) + 4;
+        BufferWriter::copy(to + start, text.data(), size);
+        writer_.advance(start + size);
     }
     void write(const std::string& text, uint8_t tag) { write(std::string_view(text), tag); }
     void write(const char* text, uint8_t tag) { write(std::string_view(text), tag); }
@@ -113,46 +111,37 @@ class PakOutputStream {
     }
 
  private:
-    static void checkLength(size_t length, uint8_t tag);
+    /// A char counts as signed on every machine.
+    template <typename T>
+    using Byte = std::conditional_t<std::same_as<T, char>, signed char, T>;
 
-    static size_t storeHead(uint8_t* to, uint8_t type, uint8_t tag) {
-        if (tag < 15) {
-            to[0] = static_cast<uint8_t>(tag << 4 | type);
-            return 1;
+    [[noreturn]] static void raiseLength(size_t length, uint8_t tag);
+
+    /// Each field has its own copy of this, and mostly values of one width, so that the branches
+    /// are foreseen.
+    template <std::signed_integral T>
+    [[gnu::always_inline]] void writeInteger(T value, uint8_t tag) {
+        uint8_t* const to = writer_.reserve(10);
+        const auto payload = static_cast<uint64_t>(static_cast<int64_t>(value));
+        if (value == 0) {
+            writer_.advance(DataHead::storeAt(to, PAK_TYPE_ZERO, tag, 0));
+        } else if (value == static_cast<int8_t>(value)) {
+            store<PAK_TYPE_INT1, 1>(to, payload, tag);
+        } else if (value == static_cast<int16_t>(value)) {
+            store<PAK_TYPE_INT2, 2>(to, payload, tag);
+        } else if (value == static_cast<int32_t>(value)) {
+            store<PAK_TYPE_INT4, 4>(to, payload, tag);
+        } else {
+            const size_t head = DataHead::storeAt(to, PAK_TYPE_INT8, tag, 0);
+            BufferWriter::storeWord(to + head, payload);
+            writer_.advance(head + 8);
         }
-        to[0] = static_cast<uint8_t>(0xF0 | type);
-        to[1] = tag;
-        return 2;
     }
 
-    /// The form of an integer by the number of bits that it takes, its sign among them; 0 bits
-    /// stand for the value 0.
-    struct IntegerForm {
-        uint8_t type;
-        uint8_t width;
-    };
-    static constexpr std::array<IntegerForm, 65> kForms = [] {
-        std::array<IntegerForm, 65> forms = {};
-        for (size_t bits = 0; bits < forms.size(); ++bits)
-            forms[bits] = bits == 0    ? IntegerForm{PAK_TYPE_ZERO, 0}
-                          : bits <= 8  ? IntegerForm{PAK_TYPE_INT1, 1}
-                          : bits <= 16 ? IntegerForm{PAK_TYPE_INT2, 2}
-                          : bits <= 32 ? IntegerForm{PAK_TYPE_INT4, 4}
-                                       : IntegerForm{PAK_TYPE_INT8, 8};
-        return forms;
-    }();
-
-    // Without a branch on the value, for the widths of real numbers follow no pattern: eight bytes
-    // are stored, as many as the form has are kept.
-    void writeInteger(int64_t value, uint8_t tag) {
-        const auto magnitude = static_cast<uint64_t>(value ^ (value >> 63));
-        const IntegerForm form =
-            kForms[static_cast<size_t>(std::bit_width(magnitude)) + (value != 0)];
-        uint8_t* const to = writer_.reserve(10);
-        const size_t head = storeHead(to, form.type, tag);
-        const unsigned shift = (64U - 8U * form.width) & 63U;
-        pack_64(to + head, static_cast<int64_t>(static_cast<uint64_t>(value) << shift));
-        writer_.advance(head + form.width);
+    template <uint8_t Type, size_t Width>
+    [[gnu::always_inline]] void store(uint8_t* to, uint64_t value, uint8_t tag) {
+        const size_t head = DataHead::storeAt(to, Type, tag, value << (64 - 8 * Width));
+        writer_.advance(head + Width);
     }
 
     BufferWriter writer_;
