@@ -45,7 +45,7 @@ class Walker {
         if (!passHead(type)) return false;
         count = 0;
         if (type == PAK_TYPE_ZERO) return true;
-        return type <= PAK_TYPE_INT8 && passBigEndian(1 << type, count) && count >= 0;
+        return type <= PAK_TYPE_INT8 && passBigEndian(1 << type, count);
     }
 
     bool passFields(int64_t count, int nesting) {
@@ -63,7 +63,9 @@ class Walker {
     }
 
     bool passPayload(int type, int nesting) {
-        if (nesting <= 0) return false;
+        const bool container =
+            type == PAK_TYPE_MAP || type == PAK_TYPE_LIST || type == PAK_TYPE_STRUCT_S;
+        if (container && nesting <= 0) return false;
         int64_t count = 0;
         switch (type) {
             case PAK_TYPE_INT1:
@@ -81,15 +83,19 @@ class Walker {
             case PAK_TYPE_STRING4:
                 return passBigEndian(4, count) && pass(count & 0xFFFFFFFF);
             case PAK_TYPE_MAP:
-                return passCount(count) && count <= INT32_MAX && passFields(count * 2, nesting - 1);
+                // Two passes instead of twice the count, which may be any 64-bit number.
+                return passCount(count) && passFields(count, nesting - 1) &&
+                       passFields(count, nesting - 1);
             case PAK_TYPE_LIST:
                 return passCount(count) && passFields(count, nesting - 1);
             case PAK_TYPE_STRUCT_S:
                 return passStructure(nesting - 1);
+            case PAK_TYPE_STRUCT_E:
             case PAK_TYPE_ZERO:
                 return true;
             case PAK_TYPE_SIMPLE_LIST:
-                return passHead(type) && passCount(count) && pass(static_cast<uint64_t>(count));
+                return passHead(type) && type == PAK_TYPE_INT1 && passCount(count) &&
+                       pass(static_cast<uint64_t>(count));
             default:
                 return false;
         }

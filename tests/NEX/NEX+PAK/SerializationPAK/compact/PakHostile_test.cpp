@@ -121,6 +121,10 @@ std::vector<Hostile> handMade() {
         {"count of the largest number, raw", bytesOf("0D 00 02 7F FF FF FF 0C")},
         {"count of the largest number, map", bytesOf("08 02 7F FF FF FF 06 00 16 00")},
         {"count wider than any list", bytesOf("09 03 7F FF FF FF FF FF FF FF 0C 0C")},
+        // Found by fuzzing: the walk that counts ahead doubled the map's count.
+        {"counts of 64 bits inside a long list",
+         bytesOf("20 01 F9 65 00 7F 08 03 BD BD FA 15 2C 97 D3 2C 00")},
+        {"the same as numbers", bytesOf("09 00 7F 08 03 80 00 00 00 00 00 00 00 00")},
         {"longest string", bytesOf("07 FF FF FF FF 61")},
         {"map cut after a key", bytesOf("08 00 01 06 01 61")},
         {"structure's end at once", bytesOf("0B")},
