@@ -12,11 +12,14 @@
 #include <xcb/shm.h>
 #include <xcb/xcb.h>
 
+#include <QAbstractEventDispatcher>
 #include <QApplication>
+#include <QEventLoop>
 #include <QFile>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
+#include <QThread>
 #include <QTimer>
 #include <QWidget>
 #include <algorithm>
@@ -49,11 +52,16 @@ double median(std::vector<double> values) {
 
 /// Runs the event loop, asleep between events, until the test holds or a while has passed.
 bool spinUntil(const std::function<bool()>& done, int milliseconds = 5000) {
+    QEventLoop loop;
     QTimer limit;
+    QObject::connect(&limit, &QTimer::timeout, &loop, &QEventLoop::quit);
     limit.setSingleShot(true);
     limit.start(milliseconds);
-    while (!done() && limit.isActive())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    QObject::connect(loop.thread()->eventDispatcher(), &QAbstractEventDispatcher::awake, &loop,
+                     [&] {
+                         if (done()) loop.quit();
+                     });
+    if (!done()) loop.exec();
     return done();
 }
 
@@ -61,7 +69,8 @@ void rest(int milliseconds) {
     spinUntil([] { return false; }, milliseconds);
 }
 
-/// The least that freezing a screen can cost: one grab into kept memory, one blit of it to a window.
+/// The least that freezing a screen can cost: one grab into kept memory, one blit of it to a
+/// window.
 class RawFreeze {
  public:
     explicit RawFreeze(XTestDriver& driver)
@@ -98,9 +107,9 @@ class RawFreeze {
                               XCB_IMAGE_FORMAT_Z_PIXMAP, segment_, 0),
             nullptr));
         xcb_map_window(c_, window_);
-        xcb_shm_put_image(c_, window_, context_, size_.width(), size_.height(), 0, 0,
-                          size_.width(), size_.height(), 0, 0, screen_->root_depth,
-                          XCB_IMAGE_FORMAT_Z_PIXMAP, 0, segment_, 0);
+        xcb_shm_put_image(c_, window_, context_, size_.width(), size_.height(), 0, 0, size_.width(),
+                          size_.height(), 0, 0, screen_->root_depth, XCB_IMAGE_FORMAT_Z_PIXMAP, 0,
+                          segment_, 0);
         sync();
         const double took = since(start);
         xcb_unmap_window(c_, window_);
@@ -211,10 +220,11 @@ MoveCost costOfMoves(XTestDriver& driver, const std::function<QPoint(int)>& path
 }
 
 void report(const char* what, MoveCost ours, MoveCost bare) {
-    std::printf("(c) %-36s ours %6.3f ms  server %6.3f ms   bare overlay %6.3f, %6.3f   "
-                "ratio %.2f, %.2f\n",
-                what, ours.own, ours.server, bare.own, bare.server, ours.own / bare.own,
-                ours.server / bare.server);
+    std::printf(
+        "(c) %-36s ours %6.3f ms  server %6.3f ms   bare overlay %6.3f, %6.3f   "
+        "ratio %.2f, %.2f\n",
+        what, ours.own, ours.server, bare.own, bare.server, ours.own / bare.own,
+        ours.server / bare.server);
 }
 
 /// A value of /proc/self/status in KiB.
@@ -262,10 +272,10 @@ class Bench : public VLCaptureRequestDelegate, public std::enable_shared_from_th
             ours.push_back(since(begin));
             VLCancelCapture();
         }
-        std::printf("(b) start to all panels painted: first %.1f ms, median %.1f ms; raw grab and "
-                    "blit %.1f ms; ratio %.2f\n",
-                    ours.front(), median(ours), median(yardstick),
-                    median(ours) / median(yardstick));
+        std::printf(
+            "(b) start to all panels painted: first %.1f ms, median %.1f ms; raw grab and "
+            "blit %.1f ms; ratio %.2f\n",
+            ours.front(), median(ours), median(yardstick), median(ours) / median(yardstick));
     }
 
     void measureMoves() {
@@ -308,10 +318,11 @@ class Bench : public VLCaptureRequestDelegate, public std::enable_shared_from_th
         driver_.key("Return");
         spinUntil([this] { return delivered_ > 0; });
         const double screen = static_cast<double>(size_.width()) * size_.height() * 4.0 / 1024.0;
-        std::printf("(e) peak of a session that delivers the whole screen: %.0f MiB above the idle "
-                    "host; multiple of the screen %.2f (PNG of %zu KiB)\n",
-                    (statusValue("VmHWM") - idle) / 1024.0,
-                    (statusValue("VmHWM") - idle) / screen, delivered_ / 1024);
+        std::printf(
+            "(e) peak of a session that delivers the whole screen: %.0f MiB above the idle "
+            "host; multiple of the screen %.2f (PNG of %zu KiB)\n",
+            (statusValue("VmHWM") - idle) / 1024.0, (statusValue("VmHWM") - idle) / screen,
+            delivered_ / 1024);
     }
 
  private:
@@ -337,11 +348,14 @@ int main(int argc, char** argv) {
         int x = 0;
         int y = 0;
         std::sscanf(place, "%dx%d+%d+%d", &w, &h, &x, &y);
-        const auto part = [](int percent, int whole) { return std::to_string(percent * whole / 100); };
-        clients.emplace_back(std::vector<std::string>{
-            "--geometry", part(w, size.width()) + "x" + part(h, size.height()) + "+" +
-                              part(x, size.width()) + "+" + part(y, size.height()),
-            "--pattern", "gradient"});
+        const auto part = [](int percent, int whole) {
+            return std::to_string(percent * whole / 100);
+        };
+        clients.emplace_back(
+            std::vector<std::string>{"--geometry",
+                                     part(w, size.width()) + "x" + part(h, size.height()) + "+" +
+                                         part(x, size.width()) + "+" + part(y, size.height()),
+                                     "--pattern", "gradient"});
         clients.back().waitUntilReady();
     }
     rest(500);

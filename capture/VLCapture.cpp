@@ -1,18 +1,40 @@
 #include "capture/VLCapture.h"
 
 #include "capture/VLCaptureManager.h"
+#include "capture/VLCaptureWindow.h"
 #include "capture/base/StatisticDoor.h"
+#include "capture/support/VLCaptureThemeManager.h"
+#include "capture/support/VLCursor.h"
 #include "platform/base/Bundle.h"
 #include "platform/base/VLLog.h"
 #include "platform/view/Application.h"
+#include "platform/view/drawing.h"
 #include "platform/windowserver/WindowServer.h"
+#include "selection/VLCaptureMagnifierView.h"
 
 const char* const VorlaFrameworkVersionString = VORLA_VERSION;
+
+namespace {
+
+/// Fonts and drawings take longest where they are used first: here instead of in the first session.
+void loadLook() {
+    VLCursor::sharedInstance().cursorOfType(VLCursorTypeSightingTelescope);
+    const auto label =
+        VLCaptureThemeManager::sharedInstance().themedFontWithKey("VLCaptureSizeinfoView_Font");
+    vorla::textSize(QStringLiteral("0123456789"), label.value_or(VLThemedFont{}).font());
+    VLCaptureMagnifierView(QImage(), {}).setMouseLocation({});
+}
+
+}  // namespace
 
 void VLPrepareCapture() {
     // An application object is the host's to make, and it may not have come to that yet.
     if (!vorla::attachToApplication()) return;
-    if (const auto server = vorla::WindowServer::shared()) server->prepare();
+    const auto server = vorla::WindowServer::shared();
+    if (!server) return;
+    server->prepare();
+    VLCaptureWindow::keepReady(server->displays());
+    loadLook();
 }
 
 bool VLStartCapture(const std::shared_ptr<VLCaptureRequest>& request) {

@@ -54,10 +54,9 @@ Delivery makeDelivery(const std::shared_ptr<VLCaptureRequest>& request,
 }
 
 std::string fileName(const Delivery& delivery, bool isHighResolution, const std::string& folder) {
-    return vorla::imageFileNameForPath(folder, static_cast<int>(delivery.fileType),
-                                       isHighResolution && !delivery.reduce,
-                                       VLCaptureSetting::sharedInstance().fileNamePrefix(),
-                                       QDateTime::currentDateTime());
+    return vorla::imageFileNameForPath(
+        folder, static_cast<int>(delivery.fileType), isHighResolution && !delivery.reduce,
+        VLCaptureSetting::sharedInstance().fileNamePrefix(), QDateTime::currentDateTime());
 }
 
 /// Writes the file and gives the PNG of what was written, encoded once where the file is one too.

@@ -3,6 +3,8 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QScreen>
+#include <algorithm>
+#include <utility>
 
 #include "capture/base/StatisticDoor.h"
 #include "platform/base/VLLog.h"
@@ -32,18 +34,72 @@ QScreen* toolkitScreen(const vorla::Display& display) {
     return QGuiApplication::primaryScreen();
 }
 
+/// How many closed panels are kept for the next session.
+size_t numberKeptReady = 0;
+
 }  // namespace
 
 VLCaptureWindow::VLCaptureWindow() : VLPanel(panelLevel) {
+    observe();
+}
+
+void VLCaptureWindow::observe() {
     observers_.observe(VLNotificationCaptureDidConfirmSelection,
                        [this](const Notification&) { responseToReturn_ = true; });
+}
+
+// Panels kept ready ----------------------------------------------------------------------------
+
+std::vector<VLCaptureWindow*>& VLCaptureWindow::spares() {
+    static std::vector<VLCaptureWindow*> panels;
+    return panels;
+}
+
+VLCaptureWindow* VLCaptureWindow::takeSpare(QSize size) {
+    auto& panels = spares();
+    const auto fitting = std::ranges::find(panels, size, [](auto* panel) { return panel->size(); });
+    if (fitting == panels.end()) return nullptr;
+    VLCaptureWindow* panel = *fitting;
+    panels.erase(fitting);
+    panel->observe();
+    return panel;
+}
+
+void VLCaptureWindow::keepReady(const std::vector<vorla::Display>& screens) {
+    if (numberKeptReady == 0)
+        qAddPostRoutine([] {
+            numberKeptReady = 0;
+            for (VLCaptureWindow* panel : std::exchange(spares(), {}))
+                const std::unique_ptr<VLCaptureWindow> dropped(panel);
+        });
+    numberKeptReady = screens.size();
+    while (spares().size() < numberKeptReady) {
+        auto panel = std::unique_ptr<VLCaptureWindow>(new VLCaptureWindow);
+        panel->observers_.clear();
+        if (QScreen* screen = toolkitScreen(screens[spares().size()])) panel->coverScreen(screen);
+        panel->prepareBackingStore();
+        spares().push_back(panel.release());
+    }
+}
+
+void VLCaptureWindow::dispose() {
+    if (spares().size() >= numberKeptReady) {
+        VLPanel::dispose();
+        return;
+    }
+    observers_.clear();
+    windowDelegate_.reset();
+    responseToReturn_ = false;
+    reopen();
+    spares().push_back(this);
 }
 
 QPointer<VLCaptureWindow> VLCaptureWindow::captureWindowWithFrame(const VLRect& /*frame*/,
                                                                   const vorla::Display& screen) {
     QScreen* target = toolkitScreen(screen);
     if (!target) return nullptr;
-    QPointer<VLCaptureWindow> panel(new VLCaptureWindow);
+    QPointer<VLCaptureWindow> panel(takeSpare(target->geometry().size()));
+    if (!panel) panel = new VLCaptureWindow;
     panel->coverScreen(target);
     return panel;
 }

@@ -1,5 +1,7 @@
 #include "capture/VLCaptureWindowController.h"
 
+#include <utility>
+
 #include "capture/support/VLCaptureThemeManager.h"
 #include "capture/support/VLCaptureUtilities.h"
 #include "platform/base/Bundle.h"
@@ -77,7 +79,8 @@ void VLCaptureWindowController::becomeActive() {
 }
 
 void VLCaptureWindowController::closeWindow() {
-    if (window_) window_->closePanel();
+    // Let go of at once: a closed panel may serve the next session.
+    if (VLCaptureWindow* panel = std::exchange(window_, nullptr)) panel->closePanel();
 }
 
 void VLCaptureWindowController::setPaintedHandler(std::function<void()> handler) {

@@ -4,12 +4,14 @@
 #include <mutex>
 #include <string>
 
+#include "platform/base/export.h"
+
 /// What the settings are when the user has chosen nothing. A host fills this in before its first
 /// capture to give its product defaults of its own.
 ///
 /// A value that is false, 0 or empty counts as not set, and its getter gives the built-in value: a
 /// host can therefore not make false, or TIFF, the default. Any thread.
-class VLCaptureDefaultSetting {
+class VL_EXPORT VLCaptureDefaultSetting {
  public:
     static VLCaptureDefaultSetting& sharedInstance();
 

@@ -44,11 +44,6 @@ constexpr auto kLengthSlots = makeLengthSlots();
 unsigned distanceExtraBits(unsigned offset) {
     return offset < 4 ? 0 : static_cast<unsigned>(std::bit_width(offset)) - 2;
 }
-unsigned distanceSlot(unsigned offset) {
-    const unsigned extra = distanceExtraBits(offset);
-    return extra * 2 + (offset >> extra);
-}
-
 struct Counts {
     std::array<uint32_t, HuffmanCode::kSymbols> literals = {};
     std::array<uint32_t, kDistanceSymbols> distances = {};
@@ -74,7 +69,7 @@ Counts countSymbols(std::span<const uint8_t> bytes, std::span<const DeflateSeque
         const LengthSlot& slot = kLengthSlots[sequence.length];
         const unsigned offset = sequence.distance - 1U;
         ++counts.literals[slot.symbol];
-        ++counts.distances[distanceSlot(offset)];
+        ++counts.distances[deflateDistanceSlot(sequence.distance)];
         counts.extraBits += slot.extraBits + distanceExtraBits(offset);
     }
     for (size_t value = 0; value < 256; ++value)
@@ -208,7 +203,7 @@ void writeBody(BitWriter& target, const uint8_t* at, std::span<const DeflateSequ
         const unsigned extra = distanceExtraBits(offset);
         add(literals[slot.symbol]);
         writer.add(sequence.length - 3U - slot.base, slot.extraBits);
-        add(distances[distanceSlot(offset)]);
+        add(distances[deflateDistanceSlot(sequence.distance)]);
         writer.add(offset & ((1U << extra) - 1), extra);
         writer.flush();
         at += sequence.length;
@@ -232,28 +227,43 @@ void writeStored(BitWriter& writer, std::span<const uint8_t> bytes, bool isFinal
     } while (!bytes.empty());
 }
 
+DeflateCosts costsOf(const HuffmanCode& literals, const HuffmanCode& distances) {
+    constexpr uint8_t kUnusedLiteral = 12, kUnusedLength = 9, kUnusedDistance = 6;
+    const auto cost = [](uint8_t bits, uint8_t unused) { return bits != 0 ? bits : unused; };
+    DeflateCosts costs = {};
+    for (size_t value = 0; value < costs.literals.size(); ++value)
+        costs.literals[value] = cost(literals.lengths[value], kUnusedLiteral);
+    for (size_t length = 3; length < costs.lengths.size(); ++length) {
+        const LengthSlot& slot = kLengthSlots[length];
+        costs.lengths[length] = static_cast<uint8_t>(
+            cost(literals.lengths[slot.symbol], kUnusedLength) + slot.extraBits);
+    }
+    for (size_t slot = 0; slot < costs.distances.size(); ++slot)
+        costs.distances[slot] = static_cast<uint8_t>(
+            cost(distances.lengths[slot], kUnusedDistance) + (slot < 4 ? 0 : slot / 2 - 1));
+    return costs;
+}
+
+uint64_t bodyBits(const Counts& counts, const HuffmanCode& literals, const HuffmanCode& distances) {
+    uint64_t bits = counts.extraBits;
+    for (size_t symbol = 0; symbol < kLiteralSymbols; ++symbol)
+        bits += uint64_t{counts.literals[symbol]} * literals.lengths[symbol];
+    for (size_t symbol = 0; symbol < kDistanceSymbols; ++symbol)
+        bits += uint64_t{counts.distances[symbol]} * distances.lengths[symbol];
+    return bits;
+}
+
 }  // namespace
 
-double writeDeflateBlock(BitWriter& writer, std::span<const uint8_t> bytes,
-                         std::span<const DeflateSequence> sequences, bool isFinal) {
+DeflateCosts writeDeflateBlock(BitWriter& writer, std::span<const uint8_t> bytes,
+                               std::span<const DeflateSequence> sequences, bool isFinal) {
     const Counts counts = countSymbols(bytes, sequences);
     HuffmanCode literals;
     HuffmanCode distances;
     literals.build(std::span(counts.literals).first(kLiteralSymbols), kLiteralLimit);
     distances.build(counts.distances, kDistanceLimit);
     const Header header = makeHeader(literals, distances);
-
-    uint64_t literalBits = 0, literalCount = 0, bits = headerBits(header) + counts.extraBits;
-    for (size_t value = 0; value < 256; ++value) {
-        literalBits += uint64_t{counts.literals[value]} * literals.lengths[value];
-        literalCount += counts.literals[value];
-    }
-    bits += literalBits;
-    for (size_t symbol = kEndOfBlock; symbol < kLiteralSymbols; ++symbol)
-        bits += uint64_t{counts.literals[symbol]} * literals.lengths[symbol];
-    for (size_t symbol = 0; symbol < kDistanceSymbols; ++symbol)
-        bits += uint64_t{counts.distances[symbol]} * distances.lengths[symbol];
-
+    const uint64_t bits = headerBits(header) + bodyBits(counts, literals, distances);
     const uint64_t storedBits = (bytes.size() + 5 * (bytes.size() / kStoredMaximum + 1)) * 8 + 16;
     writer.begin(std::min(bits, storedBits));
     if (storedBits <= bits) {
@@ -263,8 +273,7 @@ double writeDeflateBlock(BitWriter& writer, std::span<const uint8_t> bytes,
         writeBody(writer, bytes.data(), sequences, literals, distances);
     }
     writer.end();
-    return literalCount == 0 ? 0.0
-                             : static_cast<double>(literalBits) / static_cast<double>(literalCount);
+    return costsOf(literals, distances);
 }
 
 }  // namespace vorla

@@ -2,14 +2,12 @@
 
 #include <algorithm>
 #include <bit>
-#include <cmath>
 #include <cstring>
 #include <limits>
 
 namespace vorla {
 namespace {
 
-constexpr int kShortest = 4;
 constexpr int kLongest = 258;
 constexpr int kInsertedOfLong = 32;  // places of a long repetition that the table remembers
 constexpr int kNowhere = std::numeric_limits<int32_t>::min() / 2;
@@ -43,13 +41,22 @@ void DeflateCoder::start(std::span<const uint8_t> window, size_t history) {
     size_ = static_cast<int>(window.size());
     inserted_ = static_cast<int>(history > kHistory ? history - kHistory : 0);
     sequences_.clear();
-    judgeBy(6.0);
+    // As good a guess as any until the first block tells.
+    costs_.literals.fill(6);
+    costs_.lengths.fill(7);
+    for (size_t slot = 0; slot < costs_.distances.size(); ++slot)
+        costs_.distances[slot] = static_cast<uint8_t>(4 + slot / 2);
+}
+
+size_t DeflateCoder::hashAt(int position) const {
+    const uint64_t bytes = load<uint64_t>(data_ + position) << (64 - 8 * shortest_);
+    return bytes * 0x9e3779b97f4a7c15U >> (64 - kHashBits);
 }
 
 void DeflateCoder::insertUpTo(int position) {
-    const int end = std::min(position, size_ - kShortest + 1);
+    const int end = std::min(position, size_ - shortest_ + 1);
     for (; inserted_ < end; ++inserted_) {
-        const uint32_t hash = load<uint32_t>(data_ + inserted_) * 0x9e3779b1U >> (32 - kHashBits);
+        const size_t hash = hashAt(inserted_);
         previous_[static_cast<size_t>(inserted_) % kHistory] = heads_[hash];
         heads_[hash] = inserted_;
     }
@@ -59,21 +66,20 @@ void DeflateCoder::insertUpTo(int position) {
 DeflateCoder::Match DeflateCoder::find(int position, int longerThan, const Effort& effort) {
     Match best;
     const int limit = std::min(kLongest, size_ - position);
-    if (limit < kShortest || limit <= longerThan) return best;
+    if (limit < shortest_ || limit <= longerThan) return best;
     insertUpTo(position);
     const uint8_t* here = data_ + position;
     const uint32_t word = load<uint32_t>(here);
-    int candidate = heads_[word * 0x9e3779b1U >> (32 - kHashBits)];
+    int candidate = heads_[hashAt(position)];
     const int oldest = std::max(0, position - static_cast<int>(kHistory));
-    int longest = std::max(longerThan, kShortest - 1);
+    int longest = std::max(longerThan, shortest_ - 1);
     for (int tries = effort.candidates; candidate >= oldest && tries > 0; --tries) {
         const uint8_t* there = data_ + candidate;
         if (load<uint32_t>(there) == word && there[longest] == here[longest]) {
             const int length = commonLength(there, here, limit);
-            const int distance = position - candidate;
-            if (length > longest &&
-                (length >= kJudgedLengths || distance <= farthest_[static_cast<size_t>(length)])) {
-                best = {length, distance};
+            const Match match = {length, position - candidate};
+            if (length > longest && pays(position, match)) {
+                best = match;
                 longest = length;
                 if (length >= effort.goodLength || length == limit) break;
             }
@@ -85,21 +91,17 @@ DeflateCoder::Match DeflateCoder::find(int position, int longerThan, const Effor
     return best;
 }
 
-void DeflateCoder::judgeBy(double literalBits) {
-    // A repetition pays if its literals would cost more: about 7 bits for the length, 4 for the
-    // distance's slot, and the extra bits of the distance.
-    for (int length = 0; length < kJudgedLengths; ++length) {
-        const double spare = length * literalBits - 11.0;
-        farthest_[static_cast<size_t>(length)] = spare < 0 ? 0
-                                                 : spare > 14
-                                                     ? static_cast<int>(kHistory)
-                                                     : static_cast<int>(std::exp2(spare + 1));
-    }
+bool DeflateCoder::pays(int position, const Match& match) const {
+    if (match.length >= kJudgedLengths) return true;
+    int literals = 0;
+    for (int i = 0; i < match.length; ++i) literals += costs_.literals[data_[position + i]];
+    const unsigned slot = deflateDistanceSlot(static_cast<unsigned>(match.distance));
+    return literals > costs_.lengths[static_cast<size_t>(match.length)] + costs_.distances[slot];
 }
 
 void DeflateCoder::finishBlock(BitWriter& writer, int from, int end, bool isFinal) {
     const std::span bytes(data_ + from, static_cast<size_t>(end - from));
-    judgeBy(writeDeflateBlock(writer, bytes, sequences_, isFinal));
+    costs_ = writeDeflateBlock(writer, bytes, sequences_, isFinal);
     sequences_.clear();
 }
 
@@ -110,6 +112,7 @@ void DeflateCoder::skipLong(int end) {
 void DeflateCoder::code(std::span<const uint8_t> window, size_t history, Effort effort,
                         bool isFinal, std::vector<uint8_t>& out) {
     start(window, history);
+    shortest_ = effort.shortest;
     BitWriter writer(out);
     int position = static_cast<int>(history);
     int blockStart = position, literalStart = position, misses = 0;

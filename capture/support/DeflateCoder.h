@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -26,6 +25,7 @@ class DeflateCoder {
 
     /// How hard to look for repetitions.
     struct Effort {
+        int shortest;       ///< repetitions below this length, 4 to 8, are not looked for
         int candidates;     ///< earlier places tried at each position
         int goodLength;     ///< a repetition this long is taken at once
         int missesPerStep;  ///< after so many misses in a row the search takes larger steps
@@ -49,18 +49,20 @@ class DeflateCoder {
     static constexpr int kJudgedLengths = 10;
 
     void start(std::span<const uint8_t> window, size_t history);
+    [[nodiscard]] size_t hashAt(int position) const;
     void insertUpTo(int position);
     Match find(int position, int longerThan, const Effort& effort);
     void skipLong(int end);
-    void judgeBy(double literalBits);
+    [[nodiscard]] bool pays(int position, const Match& match) const;
     void finishBlock(BitWriter& writer, int from, int end, bool isFinal);
 
     std::vector<int32_t> heads_;     // last position of each hash
     std::vector<int32_t> previous_;  // the position before it, by position modulo kHistory
     std::vector<DeflateSequence> sequences_;
-    std::array<int, kJudgedLengths> farthest_ = {};  // worthwhile distance of short repetitions
+    DeflateCosts costs_ = {};  // of the block before
     const uint8_t* data_ = nullptr;
     int size_ = 0;
+    int shortest_ = 4;
     int inserted_ = 0;  // positions below are in the table
 };
 

@@ -3,7 +3,7 @@
 #include <QBuffer>
 #include <QImageWriter>
 #include <QPainter>
-#include <new>
+#include <exception>
 
 #include "capture/support/GifEncoding.h"
 #include "capture/support/ImageResolution.h"
@@ -58,7 +58,7 @@ QByteArray encodedImage(const QImage& image, int fileType) {
             default:
                 return PngEncoder::encode(image);
         }
-    } catch (const std::bad_alloc&) {
+    } catch (const std::exception&) {
         return {};
     }
 }

@@ -1,12 +1,15 @@
 #include "capture/support/Jpeg2000Encoding.h"
 
 #include <openjpeg.h>
+#include <pthread.h>
+#include <signal.h>
 
 #include <QtEndian>
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <memory>
+#include <thread>
 
 #include "capture/support/ImageResolution.h"
 #include "capture/support/MemoryFile.h"
@@ -15,6 +18,7 @@ namespace vorla {
 namespace {
 
 constexpr int kResolutions = 6;
+constexpr OPJ_UINT32 kOneThreadSide = 256;  // smaller pictures are not worth starting threads
 
 struct ImageDeleter {
     void operator()(opj_image_t* image) const { opj_image_destroy(image); }
@@ -100,6 +104,20 @@ void addResolution(QByteArray& file, int dotsPerMeter) {
     file.insert(at + size, boxes);
 }
 
+// The library starts threads of its own; signals belong to the host's threads, so these are born
+// with all of them blocked, but for those that a thread raises by its own fault.
+void giveThreads(opj_codec_t* codec) {
+    sigset_t blocked;
+    sigset_t previous;
+    sigfillset(&blocked);
+    for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP, SIGABRT, SIGSYS})
+        sigdelset(&blocked, fault);
+    pthread_sigmask(SIG_SETMASK, &blocked, &previous);
+    const unsigned threads = std::max(1U, std::thread::hardware_concurrency());
+    opj_codec_set_threads(codec, static_cast<int>(threads));
+    pthread_sigmask(SIG_SETMASK, &previous, nullptr);
+}
+
 bool compress(opj_image_t* planes, MemoryFile& file) {
     opj_cparameters_t parameters;
     opj_set_default_encoder_parameters(&parameters);
@@ -111,6 +129,7 @@ bool compress(opj_image_t* planes, MemoryFile& file) {
     parameters.tcp_mct = 1;
     const CodecPtr codec(opj_create_compress(OPJ_CODEC_JP2));
     if (!codec || !opj_setup_encoder(codec.get(), &parameters, planes)) return false;
+    if (std::max(planes->x1, planes->y1) > kOneThreadSide) giveThreads(codec.get());
     const StreamPtr stream = openStream(file);
     return stream && opj_start_compress(codec.get(), planes, stream.get()) &&
            opj_encode(codec.get(), stream.get()) && opj_end_compress(codec.get(), stream.get());

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
-#include <new>
+#include <exception>
 #include <numbers>
 #include <thread>
 #include <vector>
@@ -148,7 +148,7 @@ QImage scaled(const QImage& image, QSize size) {
                        const int first = static_cast<int>(piece) * kRowsPerPiece;
                        try {
                            scaling.run(first, std::min(first + kRowsPerPiece, size.height()));
-                       } catch (const std::bad_alloc&) {
+                       } catch (const std::exception&) {
                            failed = true;
                        }
                    });
@@ -161,7 +161,7 @@ QImage lanczosScaled(const QImage& image, QSize size) {
     if (image.isNull() || size.isEmpty()) return {};
     try {
         return scaled(image, size);
-    } catch (const std::bad_alloc&) {
+    } catch (const std::exception&) {
         return {};
     }
 }

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <exception>
 #include <memory>
 #include <mutex>
 
@@ -38,8 +39,13 @@ void workInParallel(size_t count, unsigned helpers,
     const auto job = std::make_shared<Job>();
     job->work = &work;
     job->count = count;
-    for (unsigned helper = 1; helper <= helpers && helper < count; ++helper)
-        DispatchQueue::global().async([job, helper] { job->run(helper); });
+    try {
+        for (unsigned helper = 1; helper <= helpers && helper < count; ++helper)
+            DispatchQueue::global().async([job, helper] { job->run(helper); });
+    } catch (const std::exception&) {
+        // No memory or no thread for more helpers. Those that did start must not outlive `work`, so
+        // the call goes on with them.
+    }
     job->run(0);
     std::unique_lock lock(job->mutex);
     job->allDone.wait(lock, [&job] { return job->done == job->count; });

@@ -7,10 +7,10 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <exception>
 #include <map>
 #include <memory>
 #include <mutex>
-#include <new>
 #include <optional>
 #include <thread>
 
@@ -124,7 +124,7 @@ bool encodeStripes(const PngLayout& layout, unsigned workers, QByteArray& out) {
             PngStripe::Sum sum = {};
             std::vector<uint8_t> chunk = stripeChunk(*crew[worker], number, sum);
             data.add(number, std::move(chunk), sum);
-        } catch (const std::bad_alloc&) {
+        } catch (const std::exception&) {
             failed = true;
         }
     });
@@ -190,7 +190,7 @@ QByteArray PngEncoder::encode(const QImage& image, Options options) {
     try {
         const QImage source = readable(image);
         return source.isNull() ? QByteArray() : encoded(source, options);
-    } catch (const std::bad_alloc&) {
+    } catch (const std::exception&) {
         return {};
     }
 }

@@ -1,5 +1,7 @@
 #include "capture/support/PngFilter.h"
 
+#include <algorithm>
+
 #include "capture/support/PngFilterKernels.h"
 
 #if defined(__x86_64__) || defined(__i386__)
@@ -78,10 +80,11 @@ bool PngFilter::isOpaque(const uint32_t* pixels, size_t count) {
     return all == 0xff000000U;
 }
 
-size_t PngFilter::zeroBytes(const uint8_t* bytes, size_t count) {
+double PngFilter::zeroShare(const uint8_t* bytes, size_t count) {
+    constexpr size_t kStep = 31;  // prime to the bytes of a pixel, so that all channels are seen
     size_t zeroes = 0;
-    for (size_t i = 0; i < count; ++i) zeroes += bytes[i] == 0 ? 1 : 0;
-    return zeroes;
+    for (size_t i = 0; i < count; i += kStep) zeroes += bytes[i] == 0 ? 1 : 0;
+    return static_cast<double>(zeroes * kStep) / static_cast<double>(std::max<size_t>(1, count));
 }
 
 }  // namespace vorla

@@ -31,8 +31,8 @@ class PngFilter {
     /// Whether every alpha byte is 255.
     static bool isOpaque(const uint32_t* pixels, size_t count);
 
-    /// How many bytes are zero, a cheap sign of a flat picture.
-    static size_t zeroBytes(const uint8_t* bytes, size_t count);
+    /// The share of zero bytes, from a sample of them: a cheap sign of a flat picture.
+    static double zeroShare(const uint8_t* bytes, size_t count);
 };
 
 }  // namespace vorla

@@ -10,10 +10,12 @@
 namespace vorla {
 namespace {
 
+// In a photograph's noise most repetitions are chance: many are tried for little gain. Fewer
+// candidates serve grain that differs between channels, colours and greys alike.
 constexpr DeflateCoder::Effort kFlatEffort = {
-    .candidates = 12, .goodLength = 96, .missesPerStep = 256};
+    .shortest = 5, .candidates = 12, .goodLength = 96, .missesPerStep = 256};
 constexpr DeflateCoder::Effort kPhotoEffort = {
-    .candidates = 12, .goodLength = 64, .missesPerStep = 32};
+    .shortest = 5, .candidates = 4, .goodLength = 24, .missesPerStep = 32};
 
 }  // namespace
 
@@ -67,7 +69,7 @@ void PngStripe::filterRows(int first, int end) {
 
 DeflateCoder::Effort PngStripe::effortFor(const uint8_t* bytes, size_t size) const {
     if (layout_.palette) return kFlatEffort;
-    return PngFilter::zeroBytes(bytes, size) * 2 > size ? kFlatEffort : kPhotoEffort;
+    return PngFilter::zeroShare(bytes, size) > 0.5 ? kFlatEffort : kPhotoEffort;
 }
 
 PngStripe::Sum PngStripe::encode(size_t number, std::vector<uint8_t>& out) {

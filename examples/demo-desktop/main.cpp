@@ -4,12 +4,15 @@
 //
 //   vorla-demo-desktop                 the whole desktop
 //   vorla-demo-desktop --window NAME   one of its windows
+//   vorla-demo-desktop --look FILE     writes what the screen shows now to a PNG file, and ends
 
 #include <signal.h>
 #include <sys/prctl.h>
 
 #include <QApplication>
+#include <QPixmap>
 #include <QProcess>
+#include <QScreen>
 #include <cstdio>
 #include <functional>
 #include <map>
@@ -103,6 +106,14 @@ int runWindow(const Entry& entry, int argc, char** argv) {
     return QApplication::exec();
 }
 
+int look(const char* file, int argc, char** argv) {
+    QApplication application(argc, argv);
+    const QPixmap screen = QGuiApplication::primaryScreen()->grabWindow(0);
+    if (screen.save(QString::fromLocal8Bit(file), "PNG")) return 0;
+    std::fprintf(stderr, "vorla-demo-desktop: cannot write %s\n", file);
+    return 1;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -114,6 +125,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "vorla-demo-desktop: no window is called \"%s\"\n", argv[2]);
         return 2;
     }
-    std::fprintf(stderr, "usage: vorla-demo-desktop [--window NAME]\n");
+    if (argc == 3 && std::string(argv[1]) == "--look") return look(argv[2], argc, argv);
+    std::fprintf(stderr, "usage: vorla-demo-desktop [--window NAME | --look FILE]\n");
     return 2;
 }

@@ -26,7 +26,9 @@ void report(const QJsonObject& event) {
     std::fflush(stdout);
 }
 
-void report(const char* event) { report(QJsonObject{{"event", event}}); }
+void report(const char* event) {
+    report(QJsonObject{{"event", event}});
+}
 
 /// Puts every per-user file under one directory.
 void useStateDirectory(const QString& directory) {
@@ -78,10 +80,10 @@ class Host : public VLCaptureRequestDelegate {
         const QByteArray png(reinterpret_cast<const char*>(imageData.data()),
                              static_cast<qsizetype>(imageData.size()));
         if (!options_.outFile.isEmpty()) writeOut(png);
-        report(QJsonObject{{"event", "finished"},
-                           {"bytes", static_cast<qint64>(png.size())},
-                           {"path", saveToPath ? QJsonValue(QString::fromStdString(*saveToPath))
-                                               : QJsonValue()}});
+        report(QJsonObject{
+            {"event", "finished"},
+            {"bytes", static_cast<qint64>(png.size())},
+            {"path", saveToPath ? QJsonValue(QString::fromStdString(*saveToPath)) : QJsonValue()}});
         if (window_.isVisible()) {
             const QImage picture = QImage::fromData(png, "PNG");
             window_.showPicture(picture, QStringLiteral("%1 x %2 pixels, %3 KB")
@@ -136,11 +138,11 @@ int main(int argc, char** argv) {
     const auto options = HostOptions::parse(arguments);
     if (!options) return 2;
     if (!options->stateDir.isEmpty()) useStateDirectory(options->stateDir);
-    if (!options->supplyID.isEmpty())
-        VLSetInfoValue("SupplyID", options->supplyID.toStdString());
+    if (!options->supplyID.isEmpty()) VLSetInfoValue("SupplyID", options->supplyID.toStdString());
     if (!options->statURL.isEmpty())
         VLSetInfoValue("StatisticsURL", options->statURL.toStdString());
-    if (!options->crashURL.isEmpty()) VLSetInfoValue("CrashSyncURL", options->crashURL.toStdString());
+    if (!options->crashURL.isEmpty())
+        VLSetInfoValue("CrashSyncURL", options->crashURL.toStdString());
 
     QApplication application(argc, argv);
     QApplication::setApplicationDisplayName(QStringLiteral("Vorla sample host"));

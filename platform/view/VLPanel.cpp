@@ -1,6 +1,8 @@
 #include "platform/view/VLPanel.h"
 
+#include <QBackingStore>
 #include <QGuiApplication>
+#include <QImage>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScreen>
@@ -72,7 +74,29 @@ void VLPanel::closePanel() {
     closed_ = true;
     hide();
     vorla::PanelStack::shared().remove(this);
-    VLEventTracker::whenIdle(this, [this] { deleteLater(); });
+    VLEventTracker::whenIdle(this, [this] { dispose(); });
+}
+
+void VLPanel::dispose() {
+    deleteLater();
+}
+
+void VLPanel::reopen() {
+    setContentView(nullptr);
+    onFirstPaint = nullptr;
+    closed_ = false;
+    painted_ = false;
+}
+
+void VLPanel::prepareBackingStore() {
+    winId();
+    QBackingStore* store = backingStore();
+    if (!store) return;
+    store->resize(size());
+    const QRect all(QPoint(), size());
+    store->beginPaint(all);
+    if (auto* memory = dynamic_cast<QImage*>(store->paintDevice())) memory->fill(Qt::black);
+    store->endPaint();
 }
 
 bool VLPanel::performKeyEquivalent(QKeyEvent* /*event*/) {

@@ -15,7 +15,8 @@ class VLView;
 /// help, takes it back when another program steals it, and when the last panel goes the keyboard
 /// returns to where it was before the first.
 ///
-/// A panel deletes itself some time after `close`. Main thread only; hold panels in a QPointer.
+/// A panel deletes itself some time after `closePanel`. Main thread only; hold panels in a
+/// QPointer.
 class VLPanel : public QWidget {
  public:
     /// `level` orders the panels among each other; see `PanelStack`.
@@ -36,14 +37,23 @@ class VLPanel : public QWidget {
     /// Shows the panel at its level, above all panels of the same one.
     void orderFrontRegardless();
 
-    /// Takes the panel off the screen at once. It is deleted later, when no drag is being tracked:
-    /// the view that tracks may well be one of its own.
+    /// Takes the panel off the screen at once. It is disposed of later, when no drag is being
+    /// tracked: the view that tracks may well be one of its own.
     void closePanel();
+
+    /// Allocates the memory that the panel is painted in, and touches it: most of the time that a
+    /// first showing takes goes into that.
+    void prepareBackingStore();
 
     /// Called once, when the panel's first picture has been handed to the screen.
     std::function<void()> onFirstPaint;
 
  protected:
+    /// What becomes of a closed panel; the default deletes it.
+    virtual void dispose();
+    /// Makes a closed panel as good as new, without content.
+    void reopen();
+
     /// A key that no view took. True if it was dealt with.
     virtual bool performKeyEquivalent(QKeyEvent* event);
     /// Presses that no view of the panel took.

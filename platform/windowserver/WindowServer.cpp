@@ -28,7 +28,7 @@ std::unique_ptr<WindowServer> WindowServer::connect() {
 }
 
 std::shared_ptr<WindowServer> WindowServer::shared() {
-    if (!instance()) instance() = connect();
+    if (!instance() || !instance()->isConnected()) instance() = connect();
     return instance();
 }
 

@@ -60,8 +60,10 @@ enum class WindowPicture {
 /// active.
 ///
 /// Calls are made on the main thread. All pictures are in device pixels, with the device pixel
-/// ratio set to the display's scale, of format RGB32 (opaque) or ARGB32_Premultiplied. A call that
-/// the server refuses, or whose window or display has gone, gives the empty value; nothing throws.
+/// ratio set to the display's scale, of format RGB32 (opaque) or ARGB32_Premultiplied; the highest
+/// byte of an RGB32 picture of a display is whatever the server left there, so it must not be taken
+/// for alpha (as copying the bytes into a format with alpha would). A call that the server refuses,
+/// or whose window or display has gone, gives the empty value; nothing throws.
 class WindowServer {
  public:
     virtual ~WindowServer() = default;
@@ -71,9 +73,14 @@ class WindowServer {
     static std::unique_ptr<WindowServer> connect();
 
     /// The process's window server: made by the first call (null, and tried again by the next call,
-    /// when `connect` fails). Tests put another one in its place; null removes it.
+    /// when `connect` fails), and made anew when the former one has lost its connection. Tests put
+    /// another one in its place; null removes it.
     static std::shared_ptr<WindowServer> shared();
     static void setShared(std::shared_ptr<WindowServer> server);
+
+    /// False once the connection to the display server has broken: every other call then gives the
+    /// empty value for good.
+    virtual bool isConnected() { return true; }
 
     /// In the desktop's order, the first one first.
     virtual std::vector<Display> displays() = 0;
@@ -90,9 +97,10 @@ class WindowServer {
     virtual QImage imageOfDisplay(uint32_t displayID, VLRect rect) = 0;
 
     /// A window's own picture, also where other windows (ours among them) cover it. Where the
-    /// server cannot give the covered part, because the owner does not answer, that part comes
-    /// from `fallback`, a picture of the whole display taken by `imageOfDisplay` before anything of
-    /// ours covered it, as far as it shows the window. A null image for a window that has gone.
+    /// server cannot give the covered part, because the owner does not answer, that part shows what
+    /// `fallback` shows there: a picture of the whole display taken by `imageOfDisplay` before
+    /// anything of ours covered it (null for none). May wait for the owner, a sixth of a second at
+    /// the most. A null image for a window that has gone.
     virtual QImage imageOfWindow(uint32_t displayID, uint32_t number, WindowPicture picture,
                                  const QImage& fallback) = 0;
 

@@ -77,12 +77,12 @@ std::shared_ptr<X11Connection> X11Connection::open() {
         return nullptr;
     }
     std::shared_ptr<X11Connection> result(new X11Connection(connection, screen));
+    result->readExtensions();
     if (result->isNested()) {
         VLLog("window server: this X server runs inside another display system, not served");
         return nullptr;
     }
     result->readAtoms(number);
-    result->readExtensions();
     result->readLayouts();
     return result;
 }
@@ -98,7 +98,19 @@ bool X11Connection::isNested() {
     constexpr std::string_view name = "XWAYLAND";
     const auto found = reply(&xcb_query_extension_reply,
                              xcb_query_extension(connection_, name.size(), name.data()));
-    return found && found->present != 0;
+    if (found && found->present != 0) return true;
+    // Older ones have no such extension, but call their outputs by that name.
+    if (!extensions_.monitors) return false;
+    const auto list =
+        reply(&xcb_randr_get_monitors_reply, xcb_randr_get_monitors(connection_, root(), 1));
+    if (!list || xcb_randr_get_monitors_monitors_length(list.get()) == 0) return false;
+    const auto first = xcb_randr_get_monitors_monitors_iterator(list.get());
+    const auto answer =
+        reply(&xcb_get_atom_name_reply, xcb_get_atom_name(connection_, first.data->name));
+    return answer &&
+           std::string_view(xcb_get_atom_name_name(answer.get()),
+                            static_cast<size_t>(xcb_get_atom_name_name_length(answer.get())))
+               .starts_with(name);
 }
 
 void X11Connection::readAtoms(int screenNumber) {

@@ -132,8 +132,11 @@ void X11WindowList::findClients(std::vector<Candidate>& candidates, const Manage
         for (Candidate& candidate : candidates) {
             if (candidate.isManaged) continue;
             // The first round looks at the top itself, whose children are known already.
-            std::vector<xcb_window_t> level{candidate.window.top};
+            std::vector<xcb_window_t> level;
             if (depth > 0) level = std::exchange(candidate.children, {});
+            // Nobody manages a window that bypasses the manager, whatever its properties say (its
+            // number may have been another window's a moment ago).
+            if (depth == 0 && !candidate.overrideRedirect) level = {candidate.window.top};
             if (managed) {
                 const auto client = std::find_if(level.begin(), level.end(), isListed);
                 if (client != level.end()) take(candidate, *client);
@@ -246,7 +249,9 @@ uint32_t X11WindowList::currentDesktop(xcb_get_property_cookie_t cookie) {
 }
 
 bool X11WindowList::isOnScreen(const Candidate& candidate, uint32_t desktop) const {
-    if (candidate.isGone || candidate.isHidden || candidate.wmState != stateNormal) return false;
+    if (candidate.isGone) return false;
+    if (!candidate.isManaged) return true;
+    if (candidate.isHidden || candidate.wmState != stateNormal) return false;
     // Compositing window managers keep windows of other workspaces mapped.
     return candidate.desktop == everyDesktop || desktop == everyDesktop ||
            candidate.desktop == desktop;

@@ -109,12 +109,12 @@ void X11WindowPictures::keep(const std::vector<X11Window>& windows,
     isKeeping_ = true;
     if (!connection_->extensions().composite || hasCompositor()) return;
     const std::vector<Coverage> coverage = coverageOf(windows, displays);
-    int pixels = 0;
+    int64_t pixels = 0;
     for (size_t i = 0; i < windows.size(); ++i) {
         const X11Window& window = windows[i];
         coverage_[window.top] = coverage[i];
         if (coverage[i] != Coverage::Partly || window.layer < 0 || window.hasAlpha) continue;
-        const int own = window.outer.width * window.outer.height;
+        const int64_t own = int64_t{window.outer.width} * window.outer.height;
         if (pixels + own > keptPixels) continue;
         pixels += own;
         redirect(window);

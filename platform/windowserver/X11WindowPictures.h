@@ -7,6 +7,7 @@
 #include <QImage>
 #include <QRegion>
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <unordered_map>
@@ -65,7 +66,7 @@ class X11WindowPictures {
     /// Of a pixel at native coordinates of the root; 1 when the server does not tell.
     double alphaAt(const X11Window& window, int x, int y);
 
-    static constexpr int keptPixels = 4'000'000;
+    static constexpr int64_t keptPixels = 4'000'000;
     static constexpr std::chrono::milliseconds patience{150};
 
  private:

@@ -26,6 +26,7 @@ class X11WindowServer : public WindowServer {
     static std::unique_ptr<X11WindowServer> create();
     ~X11WindowServer() override;
 
+    bool isConnected() override { return connection_->isAlive(); }
     std::vector<Display> displays() override;
     std::optional<std::vector<ServerWindow>> windows(uint32_t displayID) override;
     QImage imageOfDisplay(uint32_t displayID, VLRect rect) override;

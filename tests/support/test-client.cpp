@@ -253,11 +253,7 @@ class TestClient {
         if (!hung) paint(e.window, pattern, e.x, e.y, e.width, e.height);
         if (ready_ || e.window != window_ || e.count > 0) return;
         ready_ = true;
-        // A round trip: what was asked for is done before the word is given.
-        MallocPtr<xcb_get_input_focus_reply_t>(
-            xcb_get_input_focus_reply(c_, xcb_get_input_focus(c_), nullptr));
-        std::puts("ready");
-        std::fflush(stdout);
+        say("ready");
     }
 
     void resized(const xcb_configure_notify_event_t& e) {
@@ -267,14 +263,23 @@ class TestClient {
         if (!o_.stopPainting) paint(window_, o_.pattern, 0, 0, o_.width, o_.height);
     }
 
+    /// Writes a line when the server has done what it was asked for until now.
+    void say(const char* line) {
+        MallocPtr<xcb_get_input_focus_reply_t>(
+            xcb_get_input_focus_reply(c_, xcb_get_input_focus(c_), nullptr));
+        std::puts(line);
+        std::fflush(stdout);
+    }
+
     void openMenu() {
         menuShown_ = true;
         menu_ = makeWindow(o_.x + 20, o_.y + 20, menuWidth, menuHeight, true);
         xcb_map_window(c_, menu_);
         xcb_grab_pointer(c_, 1, menu_, XCB_EVENT_MASK_BUTTON_PRESS, XCB_GRAB_MODE_ASYNC,
                          XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
-        std::printf("menu 0x%x\n", menu_);
-        std::fflush(stdout);
+        char line[32];
+        std::snprintf(line, sizeof line, "menu 0x%x", menu_);
+        say(line);
     }
 
     void closeMenu() {
@@ -282,8 +287,7 @@ class TestClient {
         xcb_ungrab_pointer(c_, XCB_CURRENT_TIME);
         xcb_destroy_window(c_, menu_);
         menu_ = XCB_NONE;
-        std::puts("menu closed");
-        std::fflush(stdout);
+        say("menu closed");
     }
 
     static constexpr int menuWidth = 160;

@@ -19,8 +19,12 @@ void pakFail(const char* text) {
     std::abort();
 }
 
-PakFailuresRaise::PakFailuresRaise() { ++raisingScopes; }
-PakFailuresRaise::~PakFailuresRaise() { --raisingScopes; }
+PakFailuresRaise::PakFailuresRaise() {
+    ++raisingScopes;
+}
+PakFailuresRaise::~PakFailuresRaise() {
+    --raisingScopes;
+}
 
 void pakRaise(const std::string& text) {
     throw PakInconsistencyException(text);
