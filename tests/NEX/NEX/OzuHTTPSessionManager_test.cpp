@@ -1,11 +1,15 @@
 #include "NEX/NEX/OzuHTTPSessionManager.h"
 
+#include <arpa/inet.h>
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
 
 #include <chrono>
 #include <future>
 #include <thread>
 
+#include "platform/base/raii.h"
 #include "tests/support/StatServer.h"
 #include "tests/support/TestMainLoop.h"
 
@@ -126,6 +130,44 @@ TEST(HTTPSession, UnreachableAddressesFail) {
     const StatServer server;
     const std::string secure = "https" + server.url().substr(4);
     EXPECT_FALSE(send(session, requestTo(secure)).get().body);
+}
+
+TEST(HTTPSession, ANameThatIsNotResolvedIsNotWaitedForLongerThanToldTo) {
+    const auto start = std::chrono::steady_clock::now();
+    {
+        OzuHTTPSessionManager session(shortLimits());
+        EXPECT_FALSE(send(session, requestTo("http://a.hang.test")).get().body);
+        auto dropped = send(session, requestTo("http://b.hang.test"));
+        EXPECT_EQ(dropped.wait_for(100ms), std::future_status::timeout);
+    }
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
+}
+
+// Its signal would end this process.
+TEST(HTTPSession, AConnectionThatBreaksWhileItIsWrittenToRaisesNoSignal) {
+    const vorla::UniqueFd listening(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    auto* plain = reinterpret_cast<sockaddr*>(&address);
+    ASSERT_EQ(::bind(listening.get(), plain, size), 0);
+    ASSERT_EQ(::listen(listening.get(), 5), 0);
+    ASSERT_EQ(::getsockname(listening.get(), plain, &size), 0);
+    const std::string where = "127.0.0.1:" + std::to_string(ntohs(address.sin_port));
+    std::jthread breaking([&] {
+        for (int i = 0; i < 2; ++i) {
+            const vorla::UniqueFd peer(::accept(listening.get(), nullptr, nullptr));
+            const linger reset{1, 0};
+            ::setsockopt(peer.get(), SOL_SOCKET, SO_LINGER, &reset, sizeof reset);
+        }
+    });
+    OzuHTTPSessionManager session(shortLimits());
+    for (const char* scheme : {"http://", "https://"}) {
+        auto request = requestTo(scheme + where);
+        request.body.resize(8U << 20U);
+        EXPECT_FALSE(send(session, request).get().body) << scheme;
+    }
 }
 
 TEST(HTTPSession, ManyRequestsRunSideBySide) {
