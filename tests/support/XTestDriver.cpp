@@ -218,16 +218,42 @@ xcb_atom_t XTestDriver::atom(std::string_view name) {
     return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
-void XTestDriver::activate(xcb_window_t window) {
+void XTestDriver::sendToManager(xcb_window_t window, std::string_view type, uint32_t data0,
+                                uint32_t data1) {
     xcb_client_message_event_t event{};
     event.response_type = XCB_CLIENT_MESSAGE;
     event.format = 32;
     event.window = window;
-    event.type = atom("_NET_ACTIVE_WINDOW");
-    event.data.data32[0] = 2;  // as a pager, on the user's behalf
+    event.type = atom(type);
+    event.data.data32[0] = data0;
+    event.data.data32[1] = data1;
     xcb_send_event(connection_, 0, screen_->root,
                    XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                    reinterpret_cast<const char*>(&event));
+    sync();
+}
+
+QRect XTestDriver::contentRect(xcb_window_t window) {
+    const MallocPtr<xcb_get_geometry_reply_t> size(
+        xcb_get_geometry_reply(connection_, xcb_get_geometry(connection_, window), nullptr));
+    const MallocPtr<xcb_translate_coordinates_reply_t> place(xcb_translate_coordinates_reply(
+        connection_, xcb_translate_coordinates(connection_, window, screen_->root, 0, 0), nullptr));
+    if (!size || !place) return {};
+    return {place->dst_x, place->dst_y, size->width, size->height};
+}
+
+std::vector<uint32_t> XTestDriver::propertyWords(xcb_window_t window, std::string_view name) {
+    const MallocPtr<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+        connection_,
+        xcb_get_property(connection_, 0, window, atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, 1024),
+        nullptr));
+    if (!reply || reply->format != 32) return {};
+    const auto* words = static_cast<const uint32_t*>(xcb_get_property_value(reply.get()));
+    return {words, words + xcb_get_property_value_length(reply.get()) / 4};
+}
+
+void XTestDriver::killClient(uint32_t client) {
+    xcb_kill_client(connection_, client);
     sync();
 }
 

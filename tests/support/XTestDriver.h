@@ -57,14 +57,28 @@ class XTestDriver {
     /// The cursor as it looks now; null without XFIXES.
     QImage cursorImage();
 
-    /// Sends the window manager's request to make a window the active one.
-    void activate(xcb_window_t window);
+    /// Sends the window manager a message about a window (or the root), by the name of its type.
+    void sendToManager(xcb_window_t window, std::string_view type, uint32_t data0,
+                       uint32_t data1 = 0);
+    void activate(xcb_window_t window) { sendToManager(window, "_NET_ACTIVE_WINDOW", 2); }
+    void minimise(xcb_window_t window) { sendToManager(window, "WM_CHANGE_STATE", 3); }
+    void switchWorkspace(uint32_t index) {
+        sendToManager(screen_->root, "_NET_CURRENT_DESKTOP", index);
+    }
     void raise(xcb_window_t window);
     void moveWindow(xcb_window_t window, int x, int y);
     void unmap(xcb_window_t window);
     /// The window's state as the server has it: mapped and viewable.
     bool isViewable(xcb_window_t window);
 
+    /// Place of a window's content on the root; an empty rectangle when it has gone.
+    QRect contentRect(xcb_window_t window);
+    /// 32-bit words of a property; empty when absent.
+    std::vector<uint32_t> propertyWords(xcb_window_t window, std::string_view name);
+
+    /// The base identifiers of all connections of a process, and the end of one of them.
+    std::vector<uint32_t> clientsOfProcess(int pid);
+    void killClient(uint32_t client);
     /// Number of X resources by type name of all connections of a process.
     std::map<std::string, uint32_t> resourcesOfProcess(int pid);
     /// Bytes of pixmaps that the process's connections hold in the server.
@@ -79,7 +93,6 @@ class XTestDriver {
     void fake(uint8_t type, uint8_t detail, int x = 0, int y = 0);
     /// Keycode and whether Shift is needed; keycode 0 when the keyboard has no such key.
     std::pair<xcb_keycode_t, bool> keycodeOf(std::string_view name);
-    std::vector<uint32_t> clientsOfProcess(int pid);
 
     xcb_connection_t* connection_;
     xcb_screen_t* screen_;
