@@ -11,24 +11,27 @@ namespace {
 /// Clicks are counted for the whole program: a pointer can be in one place only.
 class ClickCounter {
  public:
-    int countOf(const QMouseEvent& press) {
+    int countOf(const QMouseEvent& press, WId window) {
         const QPointF place = press.globalPosition();
-        const bool same =
-            press.timestamp() == time_ && press.button() == button_ && place == place_;
+        const bool same = window == window_ && press.timestamp() == time_ &&
+                          press.button() == button_ && place == place_;
         if (same && count_ > 0) return count_;
         type_ = press.type();
         const QStyleHints* hints = QGuiApplication::styleHints();
         const auto interval = static_cast<quint64>(hints->mouseDoubleClickInterval());
         const QPointF moved = place - place_;
-        const bool continues = press.button() == button_ && press.timestamp() - time_ <= interval &&
+        const bool continues = window == window_ && press.button() == button_ &&
+                               press.timestamp() - time_ <= interval &&
                                std::abs(moved.x()) <= hints->mouseDoubleClickDistance() &&
                                std::abs(moved.y()) <= hints->mouseDoubleClickDistance();
         count_ = continues ? count_ + 1 : 1;
         time_ = press.timestamp();
         button_ = press.button();
         place_ = place;
+        window_ = window;
         return count_;
     }
+    [[nodiscard]] QPointF place() const { return place_; }
     [[nodiscard]] int current() const { return count_; }
     [[nodiscard]] bool repeats(const QMouseEvent& event) const {
         return event.type() == QEvent::MouseButtonDblClick && type_ == QEvent::MouseButtonPress &&
@@ -41,6 +44,7 @@ class ClickCounter {
     quint64 time_ = 0;
     Qt::MouseButton button_ = Qt::NoButton;
     QPointF place_;
+    WId window_ = 0;
 };
 
 ClickCounter& clickCounter() {
@@ -52,6 +56,10 @@ ClickCounter& clickCounter() {
 
 bool repeatsPress(const QMouseEvent& event) {
     return clickCounter().repeats(event);
+}
+
+QPointF lastPressPosition() {
+    return clickCounter().place();
 }
 
 VLPoint locationInWindow(QPointF position, const QWidget& receiver) {
@@ -75,7 +83,7 @@ VLMouseEvent mouseEvent(const QMouseEvent& event, const QWidget& receiver,
     const bool press =
         event.type() == QEvent::MouseButtonPress || event.type() == QEvent::MouseButtonDblClick;
     if (press)
-        converted.clickCount = clickCounter().countOf(event);
+        converted.clickCount = clickCounter().countOf(event, receiver.window()->winId());
     else if (event.type() == QEvent::MouseButtonRelease)
         converted.clickCount = clickCounter().current();
     return converted;
