@@ -34,6 +34,7 @@ class VLCaptureWindow : public VLPanel {
     bool performKeyEquivalent(QKeyEvent* event) override;
     void mouseDown(const VLMouseEvent& event) override;
     void rightMouseDown(const VLMouseEvent& event) override;
+    void closeRequested() override;
 
  private:
     VLCaptureWindow();
