@@ -21,7 +21,9 @@ HostWindow::HostWindow(std::function<void()> capture)
     QObject::connect(button, &QPushButton::clicked, this, std::move(capture));
 }
 
-void HostWindow::showMessage(const QString& message) { message_->setText(message); }
+void HostWindow::showMessage(const QString& message) {
+    message_->setText(message);
+}
 
 void HostWindow::showPicture(const QImage& picture, const QString& message) {
     picture_ = QPixmap::fromImage(picture);
@@ -37,7 +39,7 @@ void HostWindow::resizeEvent(QResizeEvent* event) {
 void HostWindow::fitPicture() {
     if (picture_.isNull()) return;
     const bool fits = picture_.width() <= view_->width() && picture_.height() <= view_->height();
-    view_->setPixmap(fits ? picture_
-                          : picture_.scaled(view_->size(), Qt::KeepAspectRatio,
-                                            Qt::SmoothTransformation));
+    view_->setPixmap(
+        fits ? picture_
+             : picture_.scaled(view_->size(), Qt::KeepAspectRatio, Qt::SmoothTransformation));
 }

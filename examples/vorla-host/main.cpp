@@ -2,6 +2,7 @@
 // outside: everything it hears goes to standard output, one JSON object a line.
 
 #include <QApplication>
+#include <QDialog>
 #include <QDir>
 #include <QFile>
 #include <QIcon>
@@ -13,7 +14,9 @@
 #include <QTimer>
 #include <cstdio>
 #include <memory>
+#include <optional>
 
+#include "CommandReader.h"
 #include "HostOptions.h"
 #include "HostWindow.h"
 #include "capture/VLCapture.h"
@@ -26,7 +29,9 @@ void report(const QJsonObject& event) {
     std::fflush(stdout);
 }
 
-void report(const char* event) { report(QJsonObject{{"event", event}}); }
+void report(const char* event) {
+    report(QJsonObject{{"event", event}});
+}
 
 /// Puts every per-user file under one directory.
 void useStateDirectory(const QString& directory) {
@@ -50,10 +55,11 @@ class Host : public VLCaptureRequestDelegate {
             report(QJsonObject{{"event", "panels"}, {"screens", screens}});
         });
         VLPrepareCapture();
-        if (!options_.once) {
+        if (!options_.once && !options_.background) {
             window_.show();
             makeTrayEntry();
         }
+        if (options_.commands) commands_.emplace([this](const QByteArray& line) { obey(line); });
         QTimer::singleShot(0, [this] {
             report("ready");
             if (options_.once) capture();
@@ -78,10 +84,10 @@ class Host : public VLCaptureRequestDelegate {
         const QByteArray png(reinterpret_cast<const char*>(imageData.data()),
                              static_cast<qsizetype>(imageData.size()));
         if (!options_.outFile.isEmpty()) writeOut(png);
-        report(QJsonObject{{"event", "finished"},
-                           {"bytes", static_cast<qint64>(png.size())},
-                           {"path", saveToPath ? QJsonValue(QString::fromStdString(*saveToPath))
-                                               : QJsonValue()}});
+        report(QJsonObject{
+            {"event", "finished"},
+            {"bytes", static_cast<qint64>(png.size())},
+            {"path", saveToPath ? QJsonValue(QString::fromStdString(*saveToPath)) : QJsonValue()}});
         if (window_.isVisible()) {
             const QImage picture = QImage::fromData(png, "PNG");
             window_.showPicture(picture, QStringLiteral("%1 x %2 pixels, %3 KB")
@@ -97,6 +103,29 @@ class Host : public VLCaptureRequestDelegate {
         if (VLStartCapture(request_)) return;
         report("refused");
         if (!VLIsCapturing()) sessionEnded();
+    }
+
+    void obey(const QByteArray& command) {
+        if (command == "capture")
+            capture();
+        else if (command == "cancel")
+            VLCancelCapture();
+        else if (command == "state")
+            report(QJsonObject{{"event", "state"}, {"capturing", VLIsCapturing()}});
+        else if (command == "dialog")
+            openDialog();
+        else if (command == "quit")
+            QCoreApplication::quit();
+        else
+            std::fprintf(stderr, "unknown command: %s\n", command.constData());
+    }
+
+    void openDialog() {
+        auto* dialog = new QDialog(&window_);
+        dialog->setAttribute(Qt::WA_DeleteOnClose);
+        dialog->resize(300, 200);
+        dialog->setWindowModality(Qt::ApplicationModal);
+        dialog->show();
     }
 
     void writeOut(const QByteArray& png) const {
@@ -124,6 +153,7 @@ class Host : public VLCaptureRequestDelegate {
     HostOptions options_;
     HostWindow window_;
     std::shared_ptr<VLCaptureRequest> request_ = std::make_shared<VLCaptureRequest>();
+    std::optional<CommandReader> commands_;
     std::unique_ptr<QMenu> trayMenu_;
     std::unique_ptr<QSystemTrayIcon> tray_;
 };
@@ -136,11 +166,11 @@ int main(int argc, char** argv) {
     const auto options = HostOptions::parse(arguments);
     if (!options) return 2;
     if (!options->stateDir.isEmpty()) useStateDirectory(options->stateDir);
-    if (!options->supplyID.isEmpty())
-        VLSetInfoValue("SupplyID", options->supplyID.toStdString());
+    if (!options->supplyID.isEmpty()) VLSetInfoValue("SupplyID", options->supplyID.toStdString());
     if (!options->statURL.isEmpty())
         VLSetInfoValue("StatisticsURL", options->statURL.toStdString());
-    if (!options->crashURL.isEmpty()) VLSetInfoValue("CrashSyncURL", options->crashURL.toStdString());
+    if (!options->crashURL.isEmpty())
+        VLSetInfoValue("CrashSyncURL", options->crashURL.toStdString());
 
     QApplication application(argc, argv);
     QApplication::setApplicationDisplayName(QStringLiteral("Vorla sample host"));
