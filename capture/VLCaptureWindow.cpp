@@ -132,6 +132,11 @@ void VLCaptureWindow::mouseDown(const VLMouseEvent& event) {
     NotificationCenter::defaultCenter().post(NotificationCaptureDidFinish);
 }
 
+void VLCaptureWindow::closeRequested() {
+    cancel();
+    VLPanel::closeRequested();
+}
+
 void VLCaptureWindow::rightMouseDown(const VLMouseEvent& event) {
     VLLog("<VLCaptureWindow> %s", __func__);
     vorla::fireStatisticEvent(eventRightButton);

@@ -40,6 +40,7 @@ class VLCaptureWindow : public VLPanel {
     bool performKeyEquivalent(QKeyEvent* event) override;
     void mouseDown(const VLMouseEvent& event) override;
     void rightMouseDown(const VLMouseEvent& event) override;
+    void closeRequested() override;
 
  private:
     VLCaptureWindow();

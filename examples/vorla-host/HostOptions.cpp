@@ -13,6 +13,10 @@ std::optional<HostOptions> HostOptions::parse(const QStringList& arguments) {
         {"out", "Write the delivered PNG to <file>.", "file"},
         {"show-switch", "Offer the switch to the recorder."},
         {"silent-save", "Save to the last place without asking."},
+        {"commands",
+         "Obey the lines of standard input: capture, cancel, state, dialog (opens a modal one), "
+         "quit. Its end quits."},
+        {"background", "Show no window of its own."},
         {"supply-id", "Be the host product <number>; chooses the theme.", "number"},
         {"state-dir", "Keep all settings and files under <dir>.", "dir"},
         {"stat-url", "Send the usage statistics to <url>.", "url"},
@@ -26,6 +30,8 @@ std::optional<HostOptions> HostOptions::parse(const QStringList& arguments) {
     options.once = parser.isSet("once");
     options.showSwitch = parser.isSet("show-switch");
     options.silentSave = parser.isSet("silent-save");
+    options.commands = parser.isSet("commands");
+    options.background = parser.isSet("background");
     options.outFile = parser.value("out");
     options.supplyID = parser.value("supply-id");
     options.stateDir = parser.value("state-dir");

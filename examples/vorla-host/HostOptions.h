@@ -9,6 +9,8 @@ struct HostOptions {
     bool once = false;
     bool showSwitch = false;
     bool silentSave = false;
+    bool commands = false;
+    bool background = false;
     QString outFile;
     QString supplyID;
     QString stateDir;

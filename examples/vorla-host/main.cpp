@@ -2,6 +2,7 @@
 // outside: everything it hears goes to standard output, one JSON object a line.
 
 #include <QApplication>
+#include <QDialog>
 #include <QDir>
 #include <QFile>
 #include <QIcon>
@@ -13,7 +14,9 @@
 #include <QTimer>
 #include <cstdio>
 #include <memory>
+#include <optional>
 
+#include "CommandReader.h"
 #include "HostOptions.h"
 #include "HostWindow.h"
 #include "capture/VLCapture.h"
@@ -52,10 +55,11 @@ class Host : public VLCaptureRequestDelegate {
             report(QJsonObject{{"event", "panels"}, {"screens", screens}});
         });
         VLPrepareCapture();
-        if (!options_.once) {
+        if (!options_.once && !options_.background) {
             window_.show();
             makeTrayEntry();
         }
+        if (options_.commands) commands_.emplace([this](const QByteArray& line) { obey(line); });
         QTimer::singleShot(0, [this] {
             report("ready");
             if (options_.once) capture();
@@ -101,6 +105,29 @@ class Host : public VLCaptureRequestDelegate {
         if (!VLIsCapturing()) sessionEnded();
     }
 
+    void obey(const QByteArray& command) {
+        if (command == "capture")
+            capture();
+        else if (command == "cancel")
+            VLCancelCapture();
+        else if (command == "state")
+            report(QJsonObject{{"event", "state"}, {"capturing", VLIsCapturing()}});
+        else if (command == "dialog")
+            openDialog();
+        else if (command == "quit")
+            QCoreApplication::quit();
+        else
+            std::fprintf(stderr, "unknown command: %s\n", command.constData());
+    }
+
+    void openDialog() {
+        auto* dialog = new QDialog(&window_);
+        dialog->setAttribute(Qt::WA_DeleteOnClose);
+        dialog->resize(300, 200);
+        dialog->setWindowModality(Qt::ApplicationModal);
+        dialog->show();
+    }
+
     void writeOut(const QByteArray& png) const {
         QFile file(options_.outFile);
         if (!file.open(QIODevice::WriteOnly) || file.write(png) != png.size())
@@ -126,6 +153,7 @@ class Host : public VLCaptureRequestDelegate {
     HostOptions options_;
     HostWindow window_;
     std::shared_ptr<VLCaptureRequest> request_ = std::make_shared<VLCaptureRequest>();
+    std::optional<CommandReader> commands_;
     std::unique_ptr<QMenu> trayMenu_;
     std::unique_ptr<QSystemTrayIcon> tray_;
 };

@@ -3,11 +3,14 @@
 #include <QApplication>
 #include <QThread>
 #include <QTimer>
+#include <QWidget>
+#include <cstdlib>
 #include <memory>
 
 #include "platform/base/Bundle.h"
 #include "platform/base/MainQueue.h"
 #include "platform/base/VLLog.h"
+#include "platform/base/raii.h"
 
 namespace vorla {
 namespace {
@@ -64,9 +67,12 @@ bool ensureApplication() {
         static int argc = 1;
         static std::string name = HostIdentity::displayName();
         static char* argv[] = {name.data(), nullptr};
-        // Ends with the process: the toolkit's own clean-up at exit wants it to be destroyed then.
-        static std::unique_ptr<QApplication> application;
-        application = std::make_unique<QApplication>(argc, argv);
+        // Ends with the process, so that the clipboard is handed over. Registered after it was made
+        // and has had a window: at exit it goes before what the toolkit made on the way.
+        static NoDestructor<std::unique_ptr<QApplication>> application;
+        *application = std::make_unique<QApplication>(argc, argv);
+        QWidget().ensurePolished();
+        std::atexit([] { application->reset(); });
         QGuiApplication::setQuitOnLastWindowClosed(false);
     }
     return attachToApplication();

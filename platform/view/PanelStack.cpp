@@ -87,20 +87,30 @@ void PanelStack::makeKey(VLPanel* panel) {
 
 void PanelStack::restack() {
     for (VLPanel* panel : state_->panels) panel->raise();
+    flushToServer();
 }
 
 void PanelStack::watchFocus() {
-    state_->focusConnection =
-        QObject::connect(qApp, &QGuiApplication::focusWindowChanged, [this](const QWindow* window) {
-            if (window)
-                state_->settle.stop();
-            else
-                state_->settle.start();
-        });
+    state_->focusConnection = QObject::connect(qApp, &QGuiApplication::focusWindowChanged, [this] {
+        if (hasKeyboard())
+            state_->settle.stop();
+        else
+            state_->settle.start();
+    });
+}
+
+/// Whether a panel, or a window that belongs to one, has the keyboard; another window of the host
+/// is as foreign as any.
+bool PanelStack::hasKeyboard() const {
+    for (const QWindow* window = QGuiApplication::focusWindow(); window;
+         window = window->parent(QWindow::IncludeTransients))
+        for (const VLPanel* panel : state_->panels)
+            if (panel->windowHandle() == window) return true;
+    return false;
 }
 
 void PanelStack::takeFocusBack() {
-    if (!state_->key || QGuiApplication::focusWindow()) return;
+    if (!state_->key || hasKeyboard()) return;
     if (!state_->forgive.isActive()) state_->forgive.start();
     if (++state_->stolen > patience) {
         state_->stolen = 0;

@@ -37,6 +37,7 @@ class PanelStack {
     PanelStack();
     void watchFocus();
     void takeFocusBack();
+    [[nodiscard]] bool hasKeyboard() const;
 
     struct State;
     std::unique_ptr<State> state_;

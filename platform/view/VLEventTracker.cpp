@@ -41,6 +41,7 @@ class DragFilter : public QObject {
             stop();
         });
         silence_.start();
+        lastPosition_ = vorla::lastPressPosition();
         qApp->installEventFilter(this);
         // Ends without the handler only when the program quits: to try again would spin for ever.
         if (panelIsThere()) loop_.exec();
@@ -49,19 +50,26 @@ class DragFilter : public QObject {
         return stopped_ && panelIsThere();
     }
 
-    /// Delivers what was held back, to the windows that are still there.
+    /// Has what was held back delivered, in order, to the windows that are still there.
     void releaseHeldInput() {
-        for (auto& [window, event] : held_)
-            if (window && window->isVisible()) QCoreApplication::postEvent(window, event.release());
+        for (HeldEvent& held : held_)
+            QMetaObject::invokeMethod(
+                qApp,
+                [window = held.window, make = std::move(held.make)] {
+                    if (window && window->isVisible())
+                        QCoreApplication::sendEvent(window, make().get());
+                },
+                Qt::QueuedConnection);
     }
 
     bool eventFilter(QObject* receiver, QEvent* event) override {
         switch (event->type()) {
             case QEvent::MouseMove:
+                if (stopped_) return hold(receiver, event);
                 return receiver == view_ && deliver(static_cast<QMouseEvent*>(event),
                                                     VLMouseEvent::Type::LeftMouseDragged);
             case QEvent::MouseButtonRelease:
-                if (static_cast<QMouseEvent*>(event)->button() != Qt::LeftButton)
+                if (stopped_ || static_cast<QMouseEvent*>(event)->button() != Qt::LeftButton)
                     return hold(receiver, event);
                 return receiver == view_ &&
                        deliver(static_cast<QMouseEvent*>(event), VLMouseEvent::Type::LeftMouseUp);
@@ -92,24 +100,56 @@ class DragFilter : public QObject {
         const unsigned bit = type == VLMouseEvent::Type::LeftMouseUp
                                  ? VLEventTracker::LeftMouseUp
                                  : VLEventTracker::LeftMouseDragged;
-        if (stopped_ || !(mask_ & bit)) return false;
+        if (!(mask_ & bit)) return false;
         silence_.start();
-        const VLMouseEvent converted = vorla::mouseEvent(*event, *view_, type);
-        if (handler_(&converted) == VLEventTracker::Flow::Stop) stop();
+        if (type == VLMouseEvent::Type::LeftMouseUp) deliverLostMovement(event);
+        lastPosition_ = event->globalPosition();
+        if (!stopped_ && view_) hand(vorla::mouseEvent(*event, *view_, type));
         return true;
     }
 
-    /// Only at the level of windows: what reaches a widget there has been let through already.
+    /// When its queue has grown, the toolkit keeps only the last movement in it, also one that
+    /// comes after a release: a quick drag would look like a click.
+    void deliverLostMovement(QMouseEvent* release) {
+        if (!(mask_ & VLEventTracker::LeftMouseDragged)) return;
+        if (release->globalPosition() == lastPosition_) return;
+        hand(vorla::mouseEvent(static_cast<const QSinglePointEvent&>(*release), *view_,
+                               VLMouseEvent::Type::LeftMouseDragged));
+    }
+
+    void hand(const VLMouseEvent& event) {
+        if (handler_(&event) == VLEventTracker::Flow::Stop) stop();
+    }
+
+    /// Only at the level of windows: what reaches a widget there has been let through already. It
+    /// goes on after the stop, for the loop first deals with all input that has come in by then.
     bool hold(QObject* receiver, QEvent* event) {
-        if (!receiver->isWindowType() || stopped_) return false;
-        held_.push_back({static_cast<QWindow*>(receiver), std::unique_ptr<QEvent>(event->clone())});
+        if (!receiver->isWindowType()) return false;
+        held_.push_back({static_cast<QWindow*>(receiver), maker(*event)});
         return true;
     }
 
+    using Maker = std::function<std::shared_ptr<QEvent>()>;
     struct HeldEvent {
         QPointer<QWindow> window;
-        std::unique_ptr<QEvent> event;
+        Maker make;
     };
+
+    /// The toolkit's copy of a mouse event shares its place with every later event of the pointer,
+    /// so it is made anew from its facts when it is delivered.
+    static Maker maker(const QEvent& event) {
+        const auto* mouse = dynamic_cast<const QMouseEvent*>(&event);
+        if (!mouse) return [copy = std::shared_ptr<QEvent>(event.clone())] { return copy; };
+        return [type = mouse->type(), local = mouse->position(), scene = mouse->scenePosition(),
+                global = mouse->globalPosition(), button = mouse->button(),
+                buttons = mouse->buttons(), modifiers = mouse->modifiers(),
+                device = mouse->pointingDevice(), time = mouse->timestamp()] {
+            const auto made = std::make_shared<QMouseEvent>(type, local, scene, global, button,
+                                                            buttons, modifiers, device);
+            made->setTimestamp(time);
+            return made;
+        };
+    }
 
     QPointer<VLView> view_;
     unsigned mask_;
@@ -117,6 +157,7 @@ class DragFilter : public QObject {
     QEventLoop loop_;
     QTimer silence_;
     bool stopped_ = false;
+    QPointF lastPosition_;
     std::vector<HeldEvent> held_;
 };
 

@@ -105,8 +105,15 @@ bool VLPanel::performKeyEquivalent(QKeyEvent* /*event*/) {
 void VLPanel::mouseDown(const VLMouseEvent& /*event*/) {}
 void VLPanel::rightMouseDown(const VLMouseEvent& /*event*/) {}
 
+void VLPanel::joinModalWindow() {
+    QWindow* modal = QGuiApplication::modalWindow();
+    if (modal && windowHandle() && modal != windowHandle())
+        windowHandle()->setTransientParent(modal);
+}
+
 bool VLPanel::event(QEvent* event) {
     const bool handled = QWidget::event(event);
+    if (event->type() == QEvent::WindowBlocked) joinModalWindow();
     // The update request is where the toolkit paints the dirty region and hands it to the screen.
     const bool flushed = event->type() == QEvent::UpdateRequest || event->type() == QEvent::Paint;
     if (flushed && !painted_ && isVisible()) {
@@ -141,7 +148,12 @@ void VLPanel::resizeEvent(QResizeEvent* event) {
         view->setFrame({0.0, 0.0, static_cast<double>(width()), static_cast<double>(height())});
 }
 
+void VLPanel::closeRequested() {
+    closePanel();
+}
+
 void VLPanel::closeEvent(QCloseEvent* event) {
-    // A window manager's or the session's request to close: the owner decides, not the window.
-    event->ignore();
+    // Refusing would keep the whole application from ending.
+    event->accept();
+    closeRequested();
 }

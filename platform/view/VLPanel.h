@@ -59,6 +59,8 @@ class VLPanel : public QWidget {
     /// Presses that no view of the panel took.
     virtual void mouseDown(const VLMouseEvent& event);
     virtual void rightMouseDown(const VLMouseEvent& event);
+    /// The application is told to end, or the window to go. The default closes the panel.
+    virtual void closeRequested();
 
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
@@ -68,6 +70,9 @@ class VLPanel : public QWidget {
     void closeEvent(QCloseEvent* event) override;
 
  private:
+    /// Modal dialogs of the host block every window but those that belong to them.
+    void joinModalWindow();
+
     int level_;
     bool closed_ = false;
     bool painted_ = false;

@@ -51,6 +51,10 @@ void SavedFocus::restore() const {
     }
 }
 
+void flushToServer() {
+    if (xcb_connection_t* connection = toolkitConnection()) xcb_flush(connection);
+}
+
 struct ForeignWindowWatch::Filter : QAbstractNativeEventFilter {
     xcb_connection_t* connection;
     QTimer settle;

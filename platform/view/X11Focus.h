@@ -19,6 +19,10 @@ class SavedFocus {
     uint8_t revertTo_ = 0;
 };
 
+/// Sends what the toolkit has asked of the X server and not sent yet: out of a timer it would wait
+/// for the next event. Does nothing on other platforms.
+void flushToServer();
+
 /// Calls back on the main thread when a foreign unmanaged window was mapped or raised, which puts
 /// it above ours. Works on the toolkit's own connection; does nothing on other platforms.
 class ForeignWindowWatch {

@@ -11,25 +11,28 @@ namespace {
 /// Clicks are counted for the whole program: a pointer can be in one place only.
 class ClickCounter {
  public:
-    int countOf(const QMouseEvent& press) {
+    int countOf(const QMouseEvent& press, WId window) {
         const QPointF place = press.globalPosition();
         // A press that is passed on to a parent arrives there with its place rounded to points.
-        const bool same = press.timestamp() == time_ && press.button() == button_ &&
-                          (place - place_).manhattanLength() < 2.0;
+        const bool same = window == window_ && press.timestamp() == time_ &&
+                          press.button() == button_ && (place - place_).manhattanLength() < 2.0;
         if (same && count_ > 0) return count_;
         type_ = press.type();
         const QStyleHints* hints = QGuiApplication::styleHints();
         const auto interval = static_cast<quint64>(hints->mouseDoubleClickInterval());
         const QPointF moved = place - place_;
-        const bool continues = press.button() == button_ && press.timestamp() - time_ <= interval &&
+        const bool continues = window == window_ && press.button() == button_ &&
+                               press.timestamp() - time_ <= interval &&
                                std::abs(moved.x()) <= hints->mouseDoubleClickDistance() &&
                                std::abs(moved.y()) <= hints->mouseDoubleClickDistance();
         count_ = continues ? count_ + 1 : 1;
         time_ = press.timestamp();
         button_ = press.button();
         place_ = place;
+        window_ = window;
         return count_;
     }
+    [[nodiscard]] QPointF place() const { return place_; }
     [[nodiscard]] int current() const { return count_; }
     [[nodiscard]] bool repeats(const QMouseEvent& event) const {
         return event.type() == QEvent::MouseButtonDblClick && type_ == QEvent::MouseButtonPress &&
@@ -42,6 +45,7 @@ class ClickCounter {
     quint64 time_ = 0;
     Qt::MouseButton button_ = Qt::NoButton;
     QPointF place_;
+    WId window_ = 0;
 };
 
 ClickCounter& clickCounter() {
@@ -55,9 +59,12 @@ bool repeatsPress(const QMouseEvent& event) {
     return clickCounter().repeats(event);
 }
 
-VLPoint locationInWindow(QPointF globalPosition, const QWidget& panel) {
+QPointF lastPressPosition() {
+    return clickCounter().place();
+}
+
+VLPoint locationInWindow(QPointF inPanel, const QWidget& panel) {
     const double scale = panel.devicePixelRatioF();
-    const QPointF inPanel = panel.mapFromGlobal(globalPosition);
     // The tolerance keeps a whole pixel whole at scales such as 1.25, where 1/scale is not exact.
     const auto middle = [scale](double v) { return (std::floor(v * scale + 1e-6) + 0.5) / scale; };
     return {middle(inPanel.x()), panel.height() - middle(inPanel.y())};
@@ -65,8 +72,9 @@ VLPoint locationInWindow(QPointF globalPosition, const QWidget& panel) {
 
 VLMouseEvent mouseEvent(const QSinglePointEvent& event, const QWidget& receiver,
                         VLMouseEvent::Type type) {
-    // The position in the receiver is rounded to points on the way; the one on the desktop is not.
-    return {type, locationInWindow(event.globalPosition(), *receiver.window()), 0,
+    // The position in the receiver is rounded to points on the way, and the one on the desktop
+    // means nothing where screens differ in scale: the one in the panel has neither fault.
+    return {type, locationInWindow(event.scenePosition(), *receiver.window()), 0,
             event.modifiers()};
 }
 
@@ -77,14 +85,14 @@ VLMouseEvent mouseEvent(const QMouseEvent& event, const QWidget& receiver,
     const bool press =
         event.type() == QEvent::MouseButtonPress || event.type() == QEvent::MouseButtonDblClick;
     if (press)
-        converted.clickCount = clickCounter().countOf(event);
+        converted.clickCount = clickCounter().countOf(event, receiver.window()->winId());
     else if (event.type() == QEvent::MouseButtonRelease)
         converted.clickCount = clickCounter().current();
     return converted;
 }
 
 VLPoint pointerLocationInWindow(const QWidget& panel) {
-    return locationInWindow(QPointF(QCursor::pos()), panel);
+    return locationInWindow(panel.mapFromGlobal(QPointF(QCursor::pos())), panel);
 }
 
 }  // namespace vorla

@@ -9,7 +9,8 @@ namespace vorla {
 
 /// The views' form of a toolkit event that was delivered to `receiver`. Presses get their click
 /// count: a press counts on while it follows the last one within the desktop's double-click
-/// interval and distance, with the same button; the same event seen twice counts once.
+/// interval and distance, in the same window and with the same button; the same event seen twice
+/// counts once.
 VLMouseEvent mouseEvent(const QMouseEvent& event, const QWidget& receiver, VLMouseEvent::Type type);
 VLMouseEvent mouseEvent(const QSinglePointEvent& event, const QWidget& receiver,
                         VLMouseEvent::Type type);
@@ -17,10 +18,13 @@ VLMouseEvent mouseEvent(const QSinglePointEvent& event, const QWidget& receiver,
 /// Whether this is a double-click event for a press that was delivered as a press already.
 bool repeatsPress(const QMouseEvent& event);
 
+/// Where on the desktop the last press was, in the toolkit's coordinates.
+QPointF lastPressPosition();
+
 /// Where the pointer is now, in the panel's coordinates.
 VLPoint pointerLocationInWindow(const QWidget& panel);
 
-/// The middle of the device pixel at a position on the desktop (y-down, points), y-up in the panel.
-VLPoint locationInWindow(QPointF globalPosition, const QWidget& panel);
+/// The middle of the device pixel at a position in the panel (y-down, points), y-up in the panel.
+VLPoint locationInWindow(QPointF inPanel, const QWidget& panel);
 
 }  // namespace vorla

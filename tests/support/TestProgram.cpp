@@ -13,6 +13,7 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <utility>
 
 extern char** environ;
@@ -27,7 +28,8 @@ std::string testClientPath() {
 
 }  // namespace
 
-TestProgram::TestProgram(const std::vector<std::string>& arguments, const std::string& path) {
+TestProgram::TestProgram(const std::vector<std::string>& arguments, const std::string& path,
+                         const std::string& errorFile) {
     int in[2];
     int out[2];
     if (pipe2(in, O_CLOEXEC) != 0) return;
@@ -47,6 +49,9 @@ TestProgram::TestProgram(const std::vector<std::string>& arguments, const std::s
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, inRead.get(), STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&actions, outWrite.get(), STDOUT_FILENO);
+    if (!errorFile.empty())
+        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errorFile.c_str(),
+                                         O_WRONLY | O_CREAT | O_APPEND, 0600);
     pid_t pid = -1;
     if (posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ) == 0) pid_ = pid;
     posix_spawn_file_actions_destroy(&actions);
@@ -79,6 +84,27 @@ void TestProgram::terminate() {
     int status = 0;
     waitpid(pid_, &status, 0);
     pid_ = -1;
+}
+
+bool TestProgram::send(std::string_view line) {
+    const std::string whole = std::string(line) + '\n';
+    return write(input_.get(), whole.data(), whole.size()) == static_cast<ssize_t>(whole.size());
+}
+
+int TestProgram::waitForExit(int milliseconds) {
+    constexpr int notEnded = -1000;
+    input_.reset();
+    if (pid_ <= 0) return notEnded;
+    int status = 0;
+    for (int waited = 0; waitpid(pid_, &status, WNOHANG) == 0; waited += 5) {
+        if (waited >= milliseconds) {
+            terminate();
+            return notEnded;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    pid_ = -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
 bool TestProgram::waitForLine(std::string_view prefix, std::string* rest, int milliseconds) {

@@ -19,8 +19,9 @@ int sharedMemorySegmentsOf(int pid);
 class TestProgram {
  public:
     /// Starts it, with standard input and output connected. `path` empty stands for the test
-    /// client.
-    explicit TestProgram(const std::vector<std::string>& arguments, const std::string& path = {});
+    /// client, `errorFile` empty for this program's own standard error.
+    explicit TestProgram(const std::vector<std::string>& arguments, const std::string& path = {},
+                         const std::string& errorFile = {});
     ~TestProgram();
     TestProgram(TestProgram&& other) noexcept;
     TestProgram& operator=(TestProgram&&) = delete;
@@ -30,6 +31,11 @@ class TestProgram {
     /// Waits for a line that begins with `prefix`, and gives the rest of it; lines before it are
     /// dropped. False when none came in time.
     bool waitForLine(std::string_view prefix, std::string* rest = nullptr, int milliseconds = 5000);
+    /// Writes a line to its standard input; false when it does not take it.
+    bool send(std::string_view line);
+    /// Ends its standard input and waits for it to end: the exit code, or minus the signal that
+    /// ended it; -1000 (and killed) when it has not ended in time.
+    int waitForExit(int milliseconds = 5000);
     /// Waits for the window to be up and painted; 0 when that does not happen.
     xcb_window_t waitUntilReady();
     /// Stops (hangs) the program and lets it go on.

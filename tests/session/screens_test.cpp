@@ -1,0 +1,137 @@
+// Several screens, scaled screens, and screens that come and go.
+
+#include <QProcess>
+
+#include "tests/session/SessionTest.h"
+
+namespace vorla::test {
+namespace {
+
+bool xrandr(const std::string& arguments) {
+    return QProcess::execute("xrandr", QString::fromStdString(arguments).split(' ')) == 0;
+}
+
+class Screens : public SessionTest {
+ protected:
+    struct Monitor {
+        const char* name;
+        QRect place;
+    };
+
+    void SetUp() override {
+        SessionTest::SetUp();
+        openWallpaper();
+        screen = stillScreen();
+    }
+    void TearDown() override {
+        for (const std::string& name : monitors) xrandr("--delmonitor " + name);
+        SessionTest::TearDown();
+    }
+
+    /// The first monitor takes the one output there is, the others none.
+    void add(const Monitor& m) {
+        const std::string geometry = QString::asprintf("%d/100x%d/100+%d+%d", m.place.width(),
+                                                       m.place.height(), m.place.x(), m.place.y())
+                                         .toStdString();
+        ASSERT_TRUE(xrandr("--setmonitor " + std::string(m.name) + " " + geometry +
+                           (monitors.empty() ? " screen" : " none")));
+        monitors.emplace_back(m.name);
+    }
+
+    static HostProgram hostWithScales(const std::string& variable) {
+        return HostProgram({"--background"}, {"/usr/bin/env", variable});
+    }
+
+    /// Drags a rectangle (given in the screen's own native pixels) and compares what comes.
+    void expectRegion(HostProgram& program, int screens, const QRect& place, const QRect& region) {
+        const QRect wanted = region.translated(place.topLeft());
+        ASSERT_EQ(begin(program), screens);
+        driver->drag(wanted.topLeft(), wanted.bottomRight() + QPoint(1, 1), 4);
+        shot("region");
+        driver->key("Return");
+        EXPECT_TRUE(samePixels(program.delivered(), screen.copy(wanted)));
+    }
+
+    QImage screen;
+    std::vector<std::string> monitors;
+};
+
+TEST_F(Screens, EveryArrangementAndScaleDeliversExactPixels) {
+    const struct {
+        const char* name;
+        Monitor first, second;
+        const char* scales;
+    } rows[] = {
+        {"side by side", {"L", {0, 0, 960, 1080}}, {"R", {960, 0, 960, 1080}}, "QT_SCALE_FACTOR=1"},
+        {"one above the other, both doubled",
+         {"U", {0, 540, 1920, 540}},
+         {"D", {0, 0, 1920, 540}},
+         "QT_SCALE_FACTOR=2"},
+        {"offset, the second doubled",
+         {"A", {0, 480, 800, 600}},
+         {"B", {800, 0, 1120, 1080}},
+         "QT_SCREEN_SCALE_FACTORS=A=1;B=2"},
+        {"offset, the first doubled and the second by a quarter",
+         {"A", {1120, 0, 800, 600}},
+         {"B", {0, 80, 1120, 1000}},
+         "QT_SCREEN_SCALE_FACTORS=A=2;B=1.25"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        add(row.first);
+        add(row.second);
+        HostProgram program = hostWithScales(row.scales);
+        ASSERT_TRUE(program.start());
+        for (const Monitor& m : {row.first, row.second}) {
+            SCOPED_TRACE(m.name);
+            expectRegion(program, 2, m.place, {100, 120, 320, 240});
+            ASSERT_EQ(begin(program), 2);
+            driver->click(m.place.x() + 300, m.place.y() + 400);
+            driver->key("Return");
+            EXPECT_TRUE(samePixels(program.delivered(), screen.copy(m.place)))
+                << "the whole screen";
+        }
+        for (const Monitor& m : {row.second, row.first})
+            xrandr(std::string("--delmonitor ") + m.name);
+        monitors.clear();
+    }
+}
+
+TEST_F(Screens, OneScreenGoesOnAndTheOthersStayDimmed) {
+    add({"L", {0, 0, 960, 1080}});
+    add({"R", {960, 0, 960, 1080}});
+    HostProgram program;
+    ASSERT_TRUE(program.start());
+    ASSERT_EQ(begin(program), 2);
+    driver->drag({1100, 300}, {1500, 700}, 4);
+    const QImage confirmed = stillScreen();
+    shot("confirmed");
+    driver->drag({100, 100}, {500, 500}, 4);
+    EXPECT_TRUE(samePixels(stillScreen(), confirmed)) << "a drag on the screen that is out";
+    driver->key("Return");
+    EXPECT_TRUE(samePixels(program.delivered(), screen.copy(1100, 300, 400, 400)));
+}
+
+TEST_F(Screens, AScreenThatComesOrGoesEndsTheSession) {
+    HostProgram program;
+    ASSERT_TRUE(program.start());
+    ASSERT_EQ(begin(program), 1);
+    add({"L", {0, 0, 960, 1080}});
+    add({"R", {960, 0, 960, 1080}});
+    EXPECT_TRUE(program.hear("cancelled")) << "a screen came";
+    EXPECT_TRUE(eventually([&] { return panelsOf(program).empty(); }));
+    expectRegion(program, 2, {960, 0, 960, 1080}, {100, 120, 320, 240});
+    ASSERT_EQ(begin(program), 2);
+    driver->moveTo(1200, 300);
+    driver->press();
+    driver->moveTo(1400, 500);
+    xrandr("--delmonitor R");
+    monitors.pop_back();
+    driver->release();
+    EXPECT_TRUE(program.hear("cancelled")) << "a screen went";
+    EXPECT_TRUE(eventually([&] { return panelsOf(program).empty(); }));
+    EXPECT_FALSE(driver->pointerIsGrabbed());
+}
+
+}  // namespace
+}  // namespace vorla::test

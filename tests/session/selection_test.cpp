@@ -1,0 +1,200 @@
+// What the pointer selects is what is delivered, pixel for pixel.
+
+#include <functional>
+
+#include "tests/session/SessionTest.h"
+
+namespace vorla::test {
+namespace {
+
+class Selection : public SessionTest {};
+
+TEST_F(Selection, ClickTakesAHalfCoveredWindowsOwnPicture) {
+    openWallpaper();
+    const xcb_window_t below = open({"--geometry", "500x400+200+150", "--pattern", "gradient"});
+    open({"--geometry", "500x400+450+300", "--pattern", "checker", "--class", "Cover"});
+    ASSERT_EQ(begin(), 1);
+    driver->moveTo(300, 250);
+    shot("highlight");
+    driver->click(300, 250);
+    shot("clicked");
+    driver->key("Return");
+    const QImage picture = host().delivered();
+    const QRect frame = frameOf(below);
+    const QRect content = driver->contentRect(below);
+    EXPECT_EQ(picture.size(), frame.size());
+    EXPECT_TRUE(samePixels(picture.copy(content.translated(-frame.topLeft())),
+                           patternImage(TestPattern::Gradient, content.size())));
+}
+
+TEST_F(Selection, ClickOnTheActiveWindowTakesItAsItLooks) {
+    openWallpaper();
+    const xcb_window_t window = open({"--geometry", "500x400+200+150", "--pattern", "gradient"});
+    const QImage screen = stillScreen();
+    ASSERT_EQ(begin(), 1);
+    driver->click(300, 250);
+    driver->key("Return");
+    EXPECT_TRUE(samePixels(host().delivered(), screen.copy(frameOf(window))));
+}
+
+TEST_F(Selection, ClickOnTheBareDesktopTakesTheWholeScreen) {
+    openWallpaper();
+    open({"--geometry", "500x400+200+150"});
+    const QImage screen = stillScreen();
+    ASSERT_EQ(begin(), 1);
+    driver->click(screen.width() - 100, screen.height() - 100);
+    shot("clicked");
+    driver->key("Return");
+    EXPECT_TRUE(samePixels(host().delivered(), screen));
+}
+
+TEST_F(Selection, DragTakesExactlyTheDraggedPixels) {
+    openWallpaper();
+    const QImage screen = stillScreen();
+    const int right = screen.width() - 1;
+    const int bottom = screen.height() - 1;
+    const struct {
+        const char* name;
+        QPoint from, to;
+        QRect wanted;
+    } rows[] = {
+        {"down right", {400, 300}, {801, 603}, {400, 300, 401, 303}},
+        {"up left", {801, 603}, {400, 300}, {400, 300, 401, 303}},
+        {"up right", {333, 777}, {777, 333}, {333, 333, 444, 444}},
+        {"one pixel", {50, 60}, {51, 61}, {50, 60, 1, 1}},
+        {"whole screen", {0, 0}, {right, bottom}, {0, 0, right + 1, bottom + 1}},
+        {"from the last corner",
+         {right, bottom},
+         {900, 500},
+         {900, 500, right - 899, bottom - 499}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        ASSERT_EQ(begin(), 1);
+        driver->drag(row.from, row.to);
+        shot(row.name);
+        driver->key("Return");
+        EXPECT_TRUE(samePixels(host().delivered(), screen.copy(row.wanted)));
+    }
+}
+
+TEST_F(Selection, MovesAndResizesAndFlips) {
+    openWallpaper();
+    const QImage screen = stillScreen();
+    const int width = screen.width();
+    const int height = screen.height();
+    // All start from the rectangle of 400, 300 to 800, 600.
+    const struct {
+        const char* name;
+        QPoint from, to;
+        QRect wanted;
+    } rows[] = {
+        {"move", {600, 450}, {637, 391}, {437, 241, 400, 300}},
+        {"move to the left and upper edge", {600, 450}, {10, 10}, {0, 1, 400, 300}},
+        {"move to the right and lower edge",
+         {600, 450},
+         {width - 5, height - 5},
+         {width - 401, height - 300, 400, 300}},
+        {"upper left", {400, 300}, {350, 280}, {350, 280, 450, 320}},
+        {"upper middle", {600, 300}, {660, 250}, {400, 250, 400, 350}},
+        {"upper right", {800, 300}, {850, 333}, {400, 333, 450, 267}},
+        {"left", {400, 450}, {450, 500}, {450, 300, 350, 300}},
+        {"right", {800, 450}, {900, 400}, {400, 300, 500, 300}},
+        {"lower left", {400, 600}, {300, 650}, {300, 300, 500, 350}},
+        {"lower middle", {600, 600}, {500, 650}, {400, 300, 400, 350}},
+        {"lower right", {800, 600}, {850, 650}, {400, 300, 450, 350}},
+        {"flip over the upper left", {800, 600}, {300, 200}, {300, 200, 100, 100}},
+        {"flip over the lower right", {400, 300}, {900, 700}, {800, 600, 100, 100}},
+        {"flip the upper edge", {600, 300}, {600, 700}, {400, 600, 400, 100}},
+        {"flip the right edge", {800, 450}, {250, 450}, {250, 300, 150, 300}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        ASSERT_EQ(begin(), 1);
+        // From the far corner, for a second press in the same place would be a double click.
+        const bool low = row.from.y() > 450;
+        driver->drag(low ? QPoint(400, 300) : QPoint(800, 600),
+                     low ? QPoint(800, 600) : QPoint(400, 300), 3);
+        driver->drag(row.from, row.to, 4);
+        shot(row.name);
+        driver->key("Return");
+        EXPECT_TRUE(samePixels(host().delivered(), screen.copy(row.wanted)));
+    }
+}
+
+TEST_F(Selection, EveryWayOfFinishingDelivers) {
+    openWallpaper();
+    const xcb_window_t window = open({"--geometry", "500x400+900+150", "--pattern", "gradient"});
+    const QImage screen = stillScreen();
+    const QRect region(400, 300, 300, 200);
+    const auto drag = [&] { driver->drag(region.topLeft(), {700, 500}, 3); };
+    const auto click = [&](QPoint at, int times) {
+        for (int i = 0; i < times; ++i) {
+            driver->click(at.x(), at.y());
+            std::this_thread::sleep_for(std::chrono::milliseconds(30));
+        }
+    };
+    const struct {
+        const char* name;
+        std::function<void()> finish;
+        QRect wanted;
+    } rows[] = {
+        {"Return", [&] { drag(), driver->key("Return"); }, region},
+        {"double click inside",
+         [&] {
+             drag(), click({550, 400}, 2);
+         },
+         region},
+        {"double click outside",
+         [&] {
+             drag(), click({100, 900}, 2);
+         },
+         region},
+        {"third click on a window",
+         [&] {
+             click({1000, 300}, 3);
+         },
+         frameOf(window)},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        ASSERT_EQ(begin(), 1);
+        row.finish();
+        EXPECT_TRUE(samePixels(host().delivered(), screen.copy(row.wanted)));
+    }
+}
+
+TEST_F(Selection, ReturnBeforeASelectionDoesNothing) {
+    openWallpaper();
+    ASSERT_EQ(begin(), 1);
+    driver->key("Return");
+    driver->moveTo(300, 300);
+    driver->key("Return");
+    EXPECT_EQ(host().heardUntilNow(), "");
+    EXPECT_TRUE(host().isCapturing());
+    driver->key("Escape");
+    EXPECT_TRUE(host().hear("cancelled"));
+}
+
+TEST_F(Selection, TheFrozenPictureSitsPixelForPixelUnderTheSelection) {
+    openWallpaper();
+    const QImage screen = stillScreen();
+    ASSERT_EQ(begin(), 1);
+    driver->moveTo(600, 500);
+    const QImage frozen = stillScreen();
+    // The magnifier and the border are the only things over a selected whole screen.
+    const QRect clear(900, 100, 800, 800);
+    EXPECT_TRUE(samePixels(frozen.copy(clear), screen.copy(clear)));
+    driver->drag({300, 200}, {900, 700});
+    const QRect inside(320, 220, 560, 460);
+    const QImage region = stillScreen();
+    EXPECT_TRUE(samePixels(region.copy(inside), screen.copy(inside)));
+    EXPECT_FALSE(samePixels(region.copy(clear), screen.copy(clear))) << "the rest is dimmed";
+    driver->key("Escape");
+    EXPECT_TRUE(host().hear("cancelled"));
+    driver->moveTo(3, 3);
+    EXPECT_TRUE(samePixels(stillScreen(), screen)) << "something is left on the screen";
+}
+
+}  // namespace
+}  // namespace vorla::test
