@@ -88,17 +88,22 @@ void PakOutputStream::grow(int64_t size) {
     streamSize_ = static_cast<int32_t>(capacity);
 }
 
-void PakOutputStream::writeTag(int32_t tag, int32_t type) {
+inline uint8_t* PakOutputStream::beginField(int32_t tag, int32_t type, int32_t payload) {
+    const int32_t head = tag < 15 ? 1 : 2;
+    preventBufferOverflow(head + payload);
+    uint8_t* const at = place();
+    cursor_ += head + payload;
     if (tag < 15) {
-        preventBufferOverflow(1);
-        *place() = static_cast<uint8_t>((tag & 0x0F) << 4 | (type & 0x0F));
-        cursor_ += 1;
+        at[0] = static_cast<uint8_t>((tag & 0x0F) << 4 | (type & 0x0F));
     } else {
-        preventBufferOverflow(2);
-        place()[0] = static_cast<uint8_t>(0xF0 | (type & 0x0F));
-        place()[1] = static_cast<uint8_t>(tag);
-        cursor_ += 2;
+        at[0] = static_cast<uint8_t>(0xF0 | (type & 0x0F));
+        at[1] = static_cast<uint8_t>(tag);
     }
+    return at + head;
+}
+
+void PakOutputStream::writeTag(int32_t tag, int32_t type) {
+    beginField(tag, type, 0);
 }
 
 void PakOutputStream::writeInt1(int8_t value) {
@@ -136,38 +141,24 @@ void PakOutputStream::fillWithZero(int32_t count) {
 }
 
 void PakOutputStream::writeInt(int64_t value, int32_t tag) {
-    const int width = value == 0                             ? 0
-                      : value == static_cast<int8_t>(value)  ? 1
-                      : value == static_cast<int16_t>(value) ? 2
-                      : value == static_cast<int32_t>(value) ? 4
-                                                             : 8;
-    preventBufferOverflow(width + (tag < 15 ? 1 : 2));
-    switch (width) {
-        case 0:
-            return writeTag(tag, PAK_TYPE_ZERO);
-        case 1:
-            writeTag(tag, PAK_TYPE_INT1);
-            return writeInt1(static_cast<int8_t>(value));
-        case 2:
-            writeTag(tag, PAK_TYPE_INT2);
-            return writeInt2(static_cast<int16_t>(value));
-        case 4:
-            writeTag(tag, PAK_TYPE_INT4);
-            return writeInt4(static_cast<int32_t>(value));
-        default:
-            writeTag(tag, PAK_TYPE_INT8);
-            return writeInt8(value);
-    }
+    if (value == 0)
+        beginField(tag, PAK_TYPE_ZERO, 0);
+    else if (value == static_cast<int8_t>(value))
+        pack_8(beginField(tag, PAK_TYPE_INT1, 1), static_cast<int8_t>(value));
+    else if (value == static_cast<int16_t>(value))
+        pack_16(beginField(tag, PAK_TYPE_INT2, 2), static_cast<int16_t>(value));
+    else if (value == static_cast<int32_t>(value))
+        pack_32(beginField(tag, PAK_TYPE_INT4, 4), static_cast<int32_t>(value));
+    else
+        pack_64(beginField(tag, PAK_TYPE_INT8, 8), value);
 }
 
 void PakOutputStream::writeFloat(float value, int32_t tag) {
-    writeTag(tag, PAK_TYPE_FLOAT);
-    writeInt4(std::bit_cast<int32_t>(value));
+    pack_32(beginField(tag, PAK_TYPE_FLOAT, 4), std::bit_cast<int32_t>(value));
 }
 
 void PakOutputStream::writeDouble(double value, int32_t tag) {
-    writeTag(tag, PAK_TYPE_DOUBLE);
-    writeInt8(std::bit_cast<int64_t>(value));
+    pack_64(beginField(tag, PAK_TYPE_DOUBLE, 8), std::bit_cast<int64_t>(value));
 }
 
 void PakOutputStream::writeNumber(const PakValue& number, int32_t tag, bool required) {
@@ -192,13 +183,10 @@ void PakOutputStream::writeString(const PakValue& string, int32_t tag, bool requ
 
 void PakOutputStream::writeString(std::string_view string, int32_t tag) {
     const int32_t size = checkedSize(string.size());
-    if (size < 256) {
-        writeTag(tag, PAK_TYPE_STRING1);
-        writeInt1(static_cast<int8_t>(size));
-    } else {
-        writeTag(tag, PAK_TYPE_STRING4);
-        writeInt4(size);
-    }
+    if (size < 256)
+        pack_8(beginField(tag, PAK_TYPE_STRING1, 1), static_cast<int8_t>(size));
+    else
+        pack_32(beginField(tag, PAK_TYPE_STRING4, 4), size);
     writeBytes(string.data(), size);
 }
 
@@ -223,7 +211,14 @@ void PakOutputStream::writeArray(const PakValue& array, int32_t tag, bool requir
 void PakOutputStream::writeArray(const PakArray& array, int32_t tag) {
     writeTag(tag, PAK_TYPE_LIST);
     writeInt(static_cast<int64_t>(array.size()), 0);
-    for (const PakValue& element : array) writeAnything(element, 0, true);
+    for (const PakValue& element : array) {
+        // Numbers without the detour: long lists are mostly made of them.
+        const char type = element.numberType();
+        if (type != 0 && type != 'f' && type != 'd')
+            writeInt(element.int64Value(), 0);
+        else
+            writeAnything(element, 0, true);
+    }
 }
 
 void PakOutputStream::writeDictionary(const PakValue& dictionary, int32_t tag, bool required) {

@@ -67,6 +67,8 @@ class PakOutputStream : public PakStream {
             grow(size);
     }
     void grow(int64_t size);
+    /// Writes a head, makes room for the payload and moves over both; gives the payload's place.
+    uint8_t* beginField(int32_t tag, int32_t type, int32_t payload);
     [[nodiscard]] uint8_t* place() const { return streamBuffer_ + cursor_; }
 
     static constexpr int32_t kDefaultCapacity = 4096;

@@ -92,17 +92,6 @@ PakValue& PakValue::operator=(const PakValue&) = default;
 PakValue& PakValue::operator=(PakValue&&) noexcept = default;
 PakValue::~PakValue() = default;
 
-PakValue::Kind PakValue::kind() const {
-    static_assert(sizeof(PakValue) == 16, "lists of numbers rely on values of two words");
-    // In the order of the alternatives of the storage.
-    static constexpr Kind kKinds[] = {
-        Kind::Nothing, Kind::Number, Kind::Number, Kind::Number,     Kind::Number, Kind::Number,
-        Kind::Number,  Kind::Number, Kind::Number, Kind::Number,     Kind::Number, Kind::Number,
-        Kind::String,  Kind::Data,   Kind::Array,  Kind::Dictionary, Kind::Object};
-    static_assert(std::size(kKinds) == std::variant_size_v<Storage>);
-    return kKinds[storage_.index()];
-}
-
 const PakClass* PakValue::valueClass() const {
     switch (kind()) {
         case Kind::Nothing:
@@ -121,41 +110,6 @@ const PakClass* PakValue::valueClass() const {
             return &PakClass::dataClass();
     }
     return nullptr;
-}
-
-char PakValue::numberType() const {
-    static constexpr char kLetters[] = "\0BcCsSiIqQfd";
-    return kind() == Kind::Number ? kLetters[storage_.index()] : '\0';
-}
-
-int64_t PakValue::int64Value() const {
-    // By hand: a visit of so many alternatives is a call through a table.
-    switch (numberType()) {
-        case 'B':
-            return *std::get_if<bool>(&storage_) ? 1 : 0;
-        case 'c':
-            return *std::get_if<int8_t>(&storage_);
-        case 'C':
-            return *std::get_if<uint8_t>(&storage_);
-        case 's':
-            return *std::get_if<int16_t>(&storage_);
-        case 'S':
-            return *std::get_if<uint16_t>(&storage_);
-        case 'i':
-            return *std::get_if<int32_t>(&storage_);
-        case 'I':
-            return *std::get_if<uint32_t>(&storage_);
-        case 'q':
-            return *std::get_if<int64_t>(&storage_);
-        case 'Q':
-            return static_cast<int64_t>(*std::get_if<uint64_t>(&storage_));
-        case 'f':
-            return vorla::integerOf(*std::get_if<float>(&storage_));
-        case 'd':
-            return vorla::integerOf(*std::get_if<double>(&storage_));
-        default:
-            return 0;
-    }
 }
 
 double PakValue::doubleValue() const {

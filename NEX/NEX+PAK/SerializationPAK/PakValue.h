@@ -2,6 +2,7 @@
 
 #include <concepts>
 #include <cstdint>
+#include <iterator>
 #include <map>
 #include <memory>
 #include <optional>
@@ -135,7 +136,7 @@ class PakValue {
     PakValue& operator=(PakValue&&) noexcept;
     ~PakValue();
 
-    [[nodiscard]] Kind kind() const;
+    [[nodiscard]] Kind kind() const { return kKinds[storage_.index()]; }
     [[nodiscard]] bool isNothing() const { return kind() == Kind::Nothing; }
     explicit operator bool() const { return !isNothing(); }
 
@@ -143,7 +144,7 @@ class PakValue {
     [[nodiscard]] const PakClass* valueClass() const;
 
     /// The stored type of a number as one letter: B, c, C, s, S, i, I, q, Q, f or d; 0 otherwise.
-    [[nodiscard]] char numberType() const;
+    [[nodiscard]] char numberType() const { return kLetters[storage_.index()]; }
     /// A number as signed 64 bits: an unsigned one above the signed range comes out negative, a
     /// floating-point one is cut towards zero and kept within the range, not-a-number is 0. 0 for
     /// anything that is no number.
@@ -174,5 +175,44 @@ class PakValue {
                                  uint32_t, int64_t, uint64_t, float, double, vorla::PackedText,
                                  vorla::PackedBytes, vorla::PakBox<PakArray>,
                                  vorla::PakBox<PakDictionary>, vorla::PakBox<PakObjectPtr>>;
+    // In the order of the alternatives of the storage.
+    static constexpr Kind kKinds[] = {
+        Kind::Nothing, Kind::Number, Kind::Number, Kind::Number,     Kind::Number, Kind::Number,
+        Kind::Number,  Kind::Number, Kind::Number, Kind::Number,     Kind::Number, Kind::Number,
+        Kind::String,  Kind::Data,   Kind::Array,  Kind::Dictionary, Kind::Object};
+    static constexpr char kLetters[std::size(kKinds)] = {0,   'B', 'c', 'C', 's', 'S',
+                                                         'i', 'I', 'q', 'Q', 'f', 'd'};
+    static_assert(std::size(kKinds) == std::variant_size_v<Storage>);
     Storage storage_;
 };
+static_assert(sizeof(PakValue) == 16, "lists of numbers rely on values of two words");
+
+inline int64_t PakValue::int64Value() const {
+    // By hand: a visit of so many alternatives is a call through a table.
+    switch (numberType()) {
+        case 'B':
+            return *std::get_if<bool>(&storage_) ? 1 : 0;
+        case 'c':
+            return *std::get_if<int8_t>(&storage_);
+        case 'C':
+            return *std::get_if<uint8_t>(&storage_);
+        case 's':
+            return *std::get_if<int16_t>(&storage_);
+        case 'S':
+            return *std::get_if<uint16_t>(&storage_);
+        case 'i':
+            return *std::get_if<int32_t>(&storage_);
+        case 'I':
+            return *std::get_if<uint32_t>(&storage_);
+        case 'q':
+            return *std::get_if<int64_t>(&storage_);
+        case 'Q':
+            return static_cast<int64_t>(*std::get_if<uint64_t>(&storage_));
+        case 'f':
+            return vorla::integerOf(*std::get_if<float>(&storage_));
+        case 'd':
+            return vorla::integerOf(*std::get_if<double>(&storage_));
+        default:
+            return 0;
+    }
+}
