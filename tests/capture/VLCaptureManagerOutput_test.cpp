@@ -116,7 +116,9 @@ TEST_F(Output, TheSavePanelOutlivesTheSession) {
     ASSERT_TRUE(waitUntil([&] { return dialog() != nullptr; }));
     EXPECT_EQ(dialog()->defaultSuffix(), "png");
     dialog()->setDirectory(QString::fromStdString(elsewhere));
-    dialog()->findChild<QLineEdit*>()->setText(QStringLiteral("mine"));
+    dialog()
+        ->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))
+        ->setText(QStringLiteral("mine"));
     static_cast<QDialog*>(dialog())->accept();
     ASSERT_TRUE(hostHears());
     EXPECT_EQ(host_->delivered[0].path, elsewhere + "/mine.png");
