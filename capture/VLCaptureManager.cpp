@@ -1,5 +1,6 @@
 #include "capture/VLCaptureManager.h"
 
+#include <QCoreApplication>
 #include <utility>
 
 #include "NEX/NEX/OzuNexManager.h"
@@ -7,6 +8,7 @@
 #include "capture/support/VLCaptureThemeManager.h"
 #include "platform/base/MainQueue.h"
 #include "platform/base/VLLog.h"
+#include "platform/base/raii.h"
 #include "platform/view/Application.h"
 #include "platform/view/CursorStack.h"
 #include "platform/view/PanelStack.h"
@@ -32,8 +34,9 @@ size_t numberOfScreens() {
 }  // namespace
 
 std::shared_ptr<VLCaptureManager>& VLCaptureManager::shared() {
-    static std::shared_ptr<VLCaptureManager> instance;
-    return instance;
+    // Not destroyed at exit: the toolkit that its panels need may have gone by then.
+    static vorla::NoDestructor<std::shared_ptr<VLCaptureManager>> instance;
+    return *instance;
 }
 
 std::shared_ptr<VLCaptureManager> VLCaptureManager::sharedInstance() {
@@ -71,6 +74,7 @@ bool VLCaptureManager::startCaptureByRequest(const std::shared_ptr<VLCaptureRequ
     }
     VLLog("<VLCaptureManager> %s - 开始截图", __func__);
     isCapturing_ = true;
+    qAddPostRoutine(&VLCaptureManager::endWithApplication);
     request_ = request;
     delegate_ = request->delegate.lock();
     const auto screens = server->displays();
@@ -127,6 +131,11 @@ void VLCaptureManager::addObserver() {
 
 // End ------------------------------------------------------------------------------------------
 
+void VLCaptureManager::endWithApplication() {
+    if (shared()) shared()->clean();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
 void VLCaptureManager::cancelCapture() {
     clean();
 }
@@ -165,6 +174,8 @@ void VLCaptureManager::clean() {
     const auto keptAlive = shared_from_this();
     observers_.clear();
     cleanCaptureWindow();
+    if (isCapturing_ && QCoreApplication::instance())
+        qRemovePostRoutine(&VLCaptureManager::endWithApplication);
     isCapturing_ = false;
     delegate_.reset();
     // A save that ends late must not drop the manager of the next session.

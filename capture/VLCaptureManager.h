@@ -69,6 +69,8 @@ class VLCaptureManager : public VLCaptureWindowControllerDelegate,
     void addObserver();
     void handleCaptureCancelNotification(const vorla::Notification& notification);
     void handleScreenParametersNotification();
+    /// Ends a session that the application's end overtakes, while its panels can still be closed.
+    static void endWithApplication();
 
     bool isCapturing_ = false;
     std::shared_ptr<VLCaptureRequest> request_;

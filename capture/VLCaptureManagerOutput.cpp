@@ -72,8 +72,9 @@ QByteArray saveTo(Delivery& delivery, const std::string& path) {
     return png;
 }
 
-void tellDelegate(const Delivery& delivery, const QByteArray& png, const std::string& path) {
-    MainQueue::post([delivery, png, path] {
+/// Takes the delivery over: the host's delegate must not die on a background thread.
+void tellDelegate(Delivery delivery, const QByteArray& png, const std::string& path) {
+    MainQueue::post([delivery = std::move(delivery), png, path] {
         if (!delivery.delegate) return;
         delivery.delegate->captureRequest(*delivery.request, bytesOf(png), path, std::nullopt);
         if (const auto manager = delivery.manager.lock()) manager->clean();
@@ -85,7 +86,7 @@ void saveWhereChosen(Delivery delivery, const vorla::SavePanel::Choice& choice) 
         const std::string path = vorla::expandTilde(choice.path.toStdString());
         VLCaptureSetting::sharedInstance().setLastSavePath(choice.directory.toStdString());
         const QByteArray png = saveTo(delivery, path);
-        tellDelegate(delivery, png, path);
+        tellDelegate(std::move(delivery), png, path);
     });
 }
 

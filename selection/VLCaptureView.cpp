@@ -145,6 +145,8 @@ void VLCaptureView::mouseExited(const VLMouseEvent& event) {
 }
 
 void VLCaptureView::cursorUpdate(const VLMouseEvent& event) {
+    // The session may have ended inside a call that came before: the cursor is the host's again.
+    if (!isVisible()) return;
     updateCursorWithMousePoint(convertPointFromWindow(event.locationInWindow));
     VLCursor::sharedInstance().setCursorType(cursorType_);
 }

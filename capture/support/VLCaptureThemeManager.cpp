@@ -54,10 +54,14 @@ std::string imageFile(const std::string& folder, const std::string& name) {
     return {};
 }
 
+/// Points a side; a drawing that claims more is broken and would only eat memory.
+constexpr int largestDrawing = 4096;
+
 QImage drawingFromFile(const std::string& path, double scale) {
     QSvgRenderer drawing(QString::fromStdString(path));
     if (!drawing.isValid() || drawing.defaultSize().isEmpty()) return {};
     const QSizeF points = drawing.defaultSize();
+    if (points.width() > largestDrawing || points.height() > largestDrawing) return {};
     QImage image((points * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);

@@ -17,6 +17,12 @@ void Pointer::moveTo(QPoint at) {
     if (window()) QTest::mouseMove(window(), at);
 }
 
+/// A press whose window went away must not look held, nor count with the next one.
+static void forgetPress() {
+    QTestPrivate::qtestMouseButtons = Qt::NoButton;
+    QTest::lastMouseTimestamp += 1000;
+}
+
 void Pointer::drag(std::vector<QPoint> path, const std::function<void()>& during) {
     size_t next = 1;
     bool over = false;
@@ -32,7 +38,7 @@ void Pointer::drag(std::vector<QPoint> path, const std::function<void()>& during
         if (window())
             QTest::mouseRelease(window(), Qt::LeftButton, {}, at_);
         else
-            QTestPrivate::qtestMouseButtons = Qt::NoButton;
+            forgetPress();
     });
     steps.start(0);
     at_ = path.front();
