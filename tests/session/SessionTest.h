@@ -78,6 +78,7 @@ class SessionTest : public testing::Test {
     std::vector<xcb_window_t> rootChildren();
 
     std::deque<TestProgram> clients_;
+    QImage atRest_;  ///< the desktop since the last window was opened
     int shots_ = 0;
 };
 
