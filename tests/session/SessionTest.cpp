@@ -103,6 +103,12 @@ QImage SessionTest::stillScreen() {
     return now;
 }
 
+testing::AssertionResult SessionTest::comesToShow(const QImage& picture, const QRect& part) {
+    const QImage wanted = picture.copy(part);
+    eventually([&] { return driver->rootPixels(part) == wanted; }, 3000);
+    return samePixels(driver->rootPixels(part), wanted);
+}
+
 void SessionTest::shot(const std::string& step) {
     const char* folder = std::getenv("VORLA_TEST_SHOTS");
     if (!folder) return;
