@@ -27,7 +27,8 @@ void SessionTest::endHost() {
 }
 
 int SessionTest::begin(HostProgram& program, Screen screen) {
-    if (screen == Screen::Still) stillScreen();
+    // A client paints what a panel has left behind when it comes to it.
+    if (screen == Screen::Still) eventually([&] { return stillScreen() == atRest_; }, 1000);
     const int panels = program.capture();
     const bool keyboard = eventually([&] {
         const auto windows = panelsOf(program);
@@ -60,10 +61,10 @@ void SessionTest::TearDown() {
 }
 
 xcb_window_t SessionTest::open(const std::vector<std::string>& options) {
-    clients_.emplace_back(options);
-    const xcb_window_t window = clients_.back().waitUntilReady();
-    EXPECT_NE(window, XCB_NONE);
-    stillScreen();
+    const xcb_window_t window = openCovered(options);
+    // A first window now and then gets its exposure while the window manager still adopts it.
+    clients_.back().waitForLine("ready", nullptr, 2000);
+    atRest_ = stillScreen();
     return window;
 }
 
@@ -102,9 +103,16 @@ QImage SessionTest::stillScreen() {
     return now;
 }
 
+testing::AssertionResult SessionTest::comesToShow(const QImage& picture, const QRect& part) {
+    const QImage wanted = picture.copy(part);
+    eventually([&] { return driver->rootPixels(part) == wanted; }, 3000);
+    return samePixels(driver->rootPixels(part), wanted);
+}
+
 void SessionTest::shot(const std::string& step) {
     const char* folder = std::getenv("VORLA_TEST_SHOTS");
     if (!folder) return;
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
     const auto* test = testing::UnitTest::GetInstance()->current_test_info();
     QString name =
         QString::asprintf("%s/%s-%02d-%s.png", folder, test->name(), ++shots_, step.c_str());

@@ -48,6 +48,8 @@ class SessionTest : public testing::Test {
 
     /// Waits until the picture of the screen no longer changes, and gives it.
     QImage stillScreen();
+    /// Whether a part of the screen comes to look as it does in a picture of the whole.
+    testing::AssertionResult comesToShow(const QImage& picture, const QRect& part);
     /// Saves the screen as it is for people to look at, where VORLA_TEST_SHOTS names a folder.
     void shot(const std::string& step);
 
@@ -78,6 +80,7 @@ class SessionTest : public testing::Test {
     std::vector<xcb_window_t> rootChildren();
 
     std::deque<TestProgram> clients_;
+    QImage atRest_;  ///< the desktop since the last window was opened
     int shots_ = 0;
 };
 

@@ -13,7 +13,7 @@ class Endings : public SessionTest {
         SessionTest::SetUp();
         openWallpaper();
         window = open({"--geometry", "500x400+200+150"});
-        driver->activate(window);
+        driver->setFocus(window);
         EXPECT_TRUE(eventually([&] { return driver->focus() == window; }));
         cursor = driver->cursorImage();
     }
@@ -153,7 +153,7 @@ TEST_F(Endings, AKilledHostLeavesTheDesktopUsable) {
         if (held) driver->release();
         endHost();
         driver->moveTo(3, 3);
-        EXPECT_TRUE(samePixels(stillScreen(), screen));
+        EXPECT_TRUE(comesToShow(screen, screen.rect()));
         EXPECT_TRUE(eventually([&] { return driver->cursorImage() == cursor; }));
         EXPECT_FALSE(driver->pointerIsGrabbed());
         EXPECT_FALSE(driver->keyboardIsGrabbed());

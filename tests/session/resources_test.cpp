@@ -1,5 +1,7 @@
 // Sessions leave nothing behind in the host or in the X server.
 
+#include <algorithm>
+
 #include "tests/session/SessionTest.h"
 
 namespace vorla::test {
@@ -10,11 +12,13 @@ struct Holdings {
     int sharedMemory;
     uint64_t pixmapBytes;
     std::map<std::string, uint32_t> resources;
-    /// Nothing more than the other; cursors and the like may come and go.
+    /// Nothing more than the other, but for the few cursors that the toolkit keeps for reuse.
     [[nodiscard]] bool isWithin(const Holdings& other) const {
+        constexpr uint32_t cursorShapes = 16;
         return fileDescriptors <= other.fileDescriptors && sharedMemory <= other.sharedMemory &&
                pixmapBytes <= other.pixmapBytes &&
                std::ranges::all_of(resources, [&](const auto& type) {
+                   if (type.first == "CURSOR") return type.second <= cursorShapes;
                    const auto found = other.resources.find(type.first);
                    return found != other.resources.end() && type.second <= found->second;
                });

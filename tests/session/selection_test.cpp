@@ -181,19 +181,17 @@ TEST_F(Selection, TheFrozenPictureSitsPixelForPixelUnderTheSelection) {
     const QImage screen = stillScreen();
     ASSERT_EQ(begin(), 1);
     driver->moveTo(600, 500);
-    const QImage frozen = stillScreen();
     // The magnifier and the border are the only things over a selected whole screen.
     const QRect clear(900, 100, 800, 800);
-    EXPECT_TRUE(samePixels(frozen.copy(clear), screen.copy(clear)));
+    EXPECT_TRUE(comesToShow(screen, clear));
     driver->drag({300, 200}, {900, 700});
     const QRect inside(320, 220, 560, 460);
-    const QImage region = stillScreen();
-    EXPECT_TRUE(samePixels(region.copy(inside), screen.copy(inside)));
-    EXPECT_FALSE(samePixels(region.copy(clear), screen.copy(clear))) << "the rest is dimmed";
+    EXPECT_TRUE(comesToShow(screen, inside));
+    EXPECT_FALSE(samePixels(stillScreen().copy(clear), screen.copy(clear))) << "it is dimmed";
     driver->key("Escape");
     EXPECT_TRUE(host().hear("cancelled"));
     driver->moveTo(3, 3);
-    EXPECT_TRUE(samePixels(stillScreen(), screen)) << "something is left on the screen";
+    EXPECT_TRUE(comesToShow(screen, screen.rect())) << "something is left on the screen";
 }
 
 }  // namespace
