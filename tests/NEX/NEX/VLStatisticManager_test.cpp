@@ -112,7 +112,12 @@ TEST_F(Statistics, AKilledProcessLeavesTheStateBeforeOrAfterAnEvent) {
             }
             return 0;
         });
-        std::this_thread::sleep_for(std::chrono::microseconds(300 + random() % 5000));
+        const auto count = [this] {
+            return readFromPlistFile(path_).value_or(json::object()).value("1", uint64_t{0});
+        };
+        for (int i = 0; i < 5000 && count() <= reached; ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % 5000));
         host.kill(SIGKILL);
         host.wait();
         const json stored = readFromPlistFile(path_).value_or(json::object());
