@@ -61,6 +61,7 @@ VLCaptureWindow* VLCaptureWindow::takeSpare(QSize size) {
     if (fitting == panels.end()) return nullptr;
     VLCaptureWindow* panel = *fitting;
     panels.erase(fitting);
+    panel->reopen();
     panel->observe();
     return panel;
 }
@@ -76,6 +77,7 @@ void VLCaptureWindow::keepReady(const std::vector<vorla::Display>& screens) {
     while (spares().size() < numberKeptReady) {
         auto panel = std::unique_ptr<VLCaptureWindow>(new VLCaptureWindow);
         panel->observers_.clear();
+        panel->shelve();
         if (QScreen* screen = toolkitScreen(screens[spares().size()])) panel->coverScreen(screen);
         panel->prepareBackingStore();
         spares().push_back(panel.release());
@@ -90,7 +92,7 @@ void VLCaptureWindow::dispose() {
     observers_.clear();
     windowDelegate_.reset();
     responseToReturn_ = false;
-    reopen();
+    shelve();
     spares().push_back(this);
 }
 

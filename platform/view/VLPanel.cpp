@@ -72,8 +72,10 @@ void VLPanel::orderFrontRegardless() {
 void VLPanel::closePanel() {
     if (closed_) return;
     closed_ = true;
-    hide();
+    // The keyboard goes back first: a focus that falls to the root window when the panel goes is a
+    // window manager's to give away, and it may think of another window.
     vorla::PanelStack::shared().remove(this);
+    hide();
     VLEventTracker::whenIdle(this, [this] { dispose(); });
 }
 
@@ -81,11 +83,17 @@ void VLPanel::dispose() {
     deleteLater();
 }
 
-void VLPanel::reopen() {
+void VLPanel::shelve() {
     setContentView(nullptr);
     onFirstPaint = nullptr;
+    closed_ = true;
+}
+
+void VLPanel::reopen() {
     closed_ = false;
     painted_ = false;
+    // The window is the same as before, but the user's clicks on it belong to something else.
+    vorla::forgetClicks();
 }
 
 void VLPanel::prepareBackingStore() {

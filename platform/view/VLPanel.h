@@ -51,7 +51,9 @@ class VLPanel : public QWidget {
  protected:
     /// What becomes of a closed panel; the default deletes it.
     virtual void dispose();
-    /// Makes a closed panel as good as new, without content.
+    /// For panels that are kept for later instead: `shelve` takes everything off a closed panel and
+    /// leaves it closed, `reopen` makes it as good as new.
+    void shelve();
     void reopen();
 
     /// A key that no view took. True if it was dealt with.

@@ -59,6 +59,10 @@ bool repeatsPress(const QMouseEvent& event) {
     return clickCounter().repeats(event);
 }
 
+void forgetClicks() {
+    clickCounter() = {};
+}
+
 QPointF lastPressPosition() {
     return clickCounter().place();
 }

@@ -18,6 +18,9 @@ VLMouseEvent mouseEvent(const QSinglePointEvent& event, const QWidget& receiver,
 /// Whether this is a double-click event for a press that was delivered as a press already.
 bool repeatsPress(const QMouseEvent& event);
 
+/// Lets the next press count as the first, wherever and however soon it comes.
+void forgetClicks();
+
 /// Where on the desktop the last press was, in the toolkit's coordinates.
 QPointF lastPressPosition();
 

@@ -6,6 +6,7 @@
 #include <QImage>
 #include <memory>
 
+#include "NEX/NEX/OzuNexManager.h"
 #include "capture/VLCapture.h"
 #include "capture/VLCaptureManager.h"
 #include "capture/base/StatisticDoor.h"
@@ -45,6 +46,8 @@ class Session : public testing::Test {
     Session() {
         vorla::WindowServer::setShared(server_);
         server_->setDisplays({vorla::test::firstScreen});
+        // Started once for the process, the statistics would take the receiver's place later.
+        OzuNexManager::defaultManager().startStat();
         vorla::setStatisticReceiver([this](int event) { events_.push_back(event); });
         request_->delegate = host_;
         VLCaptureSetting::sharedInstance().setPlaySound(false);
