@@ -7,7 +7,9 @@ vorla_configure_target(Vorla)
 set_target_properties(Vorla PROPERTIES
   VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
 # Threads of ours may still be at work when a host closes the library: it stays loaded.
-target_link_options(Vorla PRIVATE -Wl,-z,nodelete)
+target_link_options(Vorla PRIVATE -Wl,-z,nodelete
+  -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map)
+set_property(TARGET Vorla APPEND PROPERTY LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/exports.map)
 target_link_libraries(Vorla PRIVATE "$<LINK_LIBRARY:WHOLE_ARCHIVE,vorla_capture>")
 target_include_directories(Vorla INTERFACE
   $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/Vorla>)
