@@ -56,7 +56,10 @@ void VLCaptureMagnifierView::setScreenImage(const QImage& image) {
 void VLCaptureMagnifierView::setMouseLocation(VLPoint location) {
     mouseLocation_ = location;
     updateImageOrigin(location);
-    setFrameOrigin(adjustFrameOriginByMouseLocation(location));
+    // The pointer is in the middle of a pixel; the view is sharp, and fast, on whole ones.
+    const VLPoint origin = adjustFrameOriginByMouseLocation(location);
+    const double scale = backingScale();
+    setFrameOrigin({std::floor(origin.x * scale) / scale, std::floor(origin.y * scale) / scale});
     setNeedsDisplay();
 }
 
