@@ -83,7 +83,7 @@ PakValue::PakValue(PakArray array) : storage_(PakBox<PakArray>(std::move(array))
 PakValue::PakValue(PakDictionary dictionary)
     : storage_(PakBox<PakDictionary>(std::move(dictionary))) {}
 PakValue::PakValue(PakObjectPtr object) {
-    if (object) storage_ = PakBox<PakObjectPtr>(std::move(object));
+    if (object) storage_.emplace<PakBox<PakObjectPtr>>(std::move(object));
 }
 
 PakValue::PakValue(const PakValue&) = default;
