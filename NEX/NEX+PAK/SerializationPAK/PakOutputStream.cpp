@@ -234,7 +234,7 @@ void PakOutputStream::writeAnything(const PakValue& value, int32_t tag, bool req
         case PakValue::Kind::Object:
             return writeObject(value, tag, required);
         case PakValue::Kind::String:
-            return writeString(value, tag, required);
+            return writeString(value.stringValue(), tag);
         case PakValue::Kind::Data:
             return writeData(value, tag, required);
         case PakValue::Kind::Nothing:

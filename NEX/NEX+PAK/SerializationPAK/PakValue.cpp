@@ -65,13 +65,6 @@ PackedBytes::PackedBytes(std::span<const uint8_t> bytes) {
     std::memcpy(block_.get() + sizeof size, bytes.data(), bytes.size());
 }
 
-std::span<const uint8_t> PackedBytes::bytes() const {
-    if (!block_) return {};
-    uint32_t size = 0;
-    std::memcpy(&size, block_.get(), sizeof size);
-    return {block_.get() + sizeof size, size};
-}
-
 }  // namespace vorla
 
 using vorla::PakBox;
@@ -121,11 +114,6 @@ double PakValue::doubleValue() const {
                 return 0;
         },
         storage_);
-}
-
-std::string_view PakValue::stringValue() const {
-    const auto* text = std::get_if<vorla::PackedText>(&storage_);
-    return text ? vorla::textOf(text->bytes()) : std::string_view();
 }
 
 std::span<const uint8_t> PakValue::dataValue() const {
