@@ -140,13 +140,12 @@ PakPropsDescription PakClass::parsedProperties() const {
         info.type = field.encodedType();
         info.field = fieldWithAccessor(info.name);
         pakAssert(info.field != nullptr, "[self respondsToSelector:NSSelectorFromString(name)]");
-        properties.insert_or_assign(info.tag, std::move(info));
+        properties.insert(std::move(info));
     });
     return properties;
 }
 
-const PakPropsDescription& PakClass::pakPropsDescription() const {
-    if (const auto* known = properties_.load(std::memory_order_acquire)) return *known;
+const PakPropsDescription& PakClass::makePropsDescription() const {
     const std::lock_guard lock(immortal<SerializableLock>());
     if (!pakv2_class_props_descriptions)
         pakv2_class_props_descriptions = &immortal<ClassProperties>();
@@ -157,8 +156,7 @@ const PakPropsDescription& PakClass::pakPropsDescription() const {
     return *entry;
 }
 
-const PakObjectPtr& PakClass::pakRefObject() const {
-    if (const auto* known = refObject_.load(std::memory_order_acquire)) return *known;
+const PakObjectPtr& PakClass::makeRefObject() const {
     const std::lock_guard lock(immortal<RefObjectLock>());
     if (const auto* known = refObject_.load(std::memory_order_relaxed)) return *known;
     const auto* made = std::make_unique<PakObjectPtr>(object()).release();

@@ -64,10 +64,16 @@ class PakClass {
 
     /// What the storage names of this very class say, by tag. Parsed by the first call, under one
     /// lock for all classes, and kept.
-    [[nodiscard]] const PakPropsDescription& pakPropsDescription() const;
+    [[nodiscard]] const PakPropsDescription& pakPropsDescription() const {
+        const auto* known = properties_.load(std::memory_order_acquire);
+        return known ? *known : makePropsDescription();
+    }
 
     /// The one reference instance of the class, made by the first call and kept.
-    [[nodiscard]] const PakObjectPtr& pakRefObject() const;
+    [[nodiscard]] const PakObjectPtr& pakRefObject() const {
+        const auto* known = refObject_.load(std::memory_order_acquire);
+        return known ? *known : makeRefObject();
+    }
 
     /// Calls with each field that this very class declares, in the order of their declaration.
     template <typename Call>
@@ -82,6 +88,8 @@ class PakClass {
     static const vorla::PakField* following(const vorla::PakField& field);
     [[nodiscard]] const vorla::PakField* fieldWithAccessor(std::string_view accessor) const;
     [[nodiscard]] PakPropsDescription parsedProperties() const;
+    [[nodiscard]] const PakPropsDescription& makePropsDescription() const;
+    [[nodiscard]] const PakObjectPtr& makeRefObject() const;
 
     const char* name_;
     PakValue::Kind kind_;

@@ -80,26 +80,27 @@ class PakTypedField final : public PakField {
 /// std::string, PakData, PakArray, PakDictionary, PakNumber, std::shared_ptr to a structure, and
 /// std::optional of any but numbers and pointers for values that may be absent. What follows the
 /// line is public.
-#define PAK_FIELD(Type, storage, field, ...)                                            \
- public:                                                                                \
-    [[nodiscard]] const Type& pak_##field() const {                                     \
-        return storage;                                                                 \
-    }                                                                                   \
-    void setPak_##field(Type value) {                                                   \
-        storage = std::move(value);                                                     \
-    }                                                                                   \
-                                                                                        \
- protected:                                                                             \
-    Type storage{__VA_ARGS__};                                                          \
-    struct PakAccess_##field {                                                          \
-        static const Type& get(const PakObject& object) {                               \
-            return static_cast<const PakSelf&>(object).pak_##field();                   \
-        }                                                                               \
-        static void set(PakObject& object, Type&& value) {                              \
-            static_cast<PakSelf&>(object).setPak_##field(std::move(value));             \
-        }                                                                               \
-    };                                                                                  \
-    static inline const vorla::PakTypedField<Type, PakAccess_##field> pakField_##field{ \
-        pakClass_, #storage, "pak_" #field};                                            \
-                                                                                        \
+#define PAK_FIELD(Type, storage, field, ...)                                                \
+ public:                                                                                    \
+    [[nodiscard]] const Type& pak_##field() const {                                         \
+        return storage;                                                                     \
+    }                                                                                       \
+    void setPak_##field(Type value) {                                                       \
+        storage = std::move(value);                                                         \
+    }                                                                                       \
+                                                                                            \
+ protected:                                                                                 \
+    Type storage{__VA_ARGS__};                                                              \
+    struct PakAccess_##field {                                                              \
+        static const Type& get(const PakObject& object) {                                   \
+            return static_cast<const PakSelf&>(object).pak_##field();                       \
+        }                                                                                   \
+        template <typename Value>                                                           \
+        static void set(PakObject& object, Value&& value) {                                 \
+            static_cast<PakSelf&>(object).setPak_##field(Type(std::forward<Value>(value))); \
+        }                                                                                   \
+    };                                                                                      \
+    static inline const vorla::PakTypedField<Type, PakAccess_##field> pakField_##field{     \
+        pakClass_, #storage, "pak_" #field};                                                \
+                                                                                            \
  public:

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "NEX/NEX+PAK/SerializationPAK/PakClass.h"
 #include "NEX/NEX+PAK/SerializationPAK/PakFailure.h"
@@ -25,7 +26,7 @@ namespace vorla {
 ///   encodedType()                  one letter, or `@"ClassName"`
 ///   wrapped(value)                 something that a PakValue can be made of
 ///   pack(value, stream, info, reference)
-///   unpack(stream, info)           empty when the field is absent
+///   unpack(stream, info)           empty when the field is absent, else what a T can be made of
 template <typename T>
 struct PakFieldTraits;
 
@@ -93,9 +94,13 @@ struct PakFieldTraits<std::string> : PakClassFieldTraits<std::string, PakFieldTr
         stream.writeString(value, tag);
     }
     static std::string taken(PakValue&& value) { return std::string(value.stringValue()); }
-    static std::optional<std::string> unpack(PakInputStream& stream, const PakPropertyInfo& info) {
-        if (info.ext) return PakClassFieldTraits::unpack(stream, info);
-        return stream.readString(static_cast<int32_t>(info.tag), info.flag);
+    /// Without a copy; good as long as the source of the stream.
+    static std::optional<std::string_view> unpack(PakInputStream& stream,
+                                                  const PakPropertyInfo& info) {
+        if (!info.ext) return stream.readStringView(static_cast<int32_t>(info.tag), info.flag);
+        // Declared as a container: what is there is refused like any value of a wrong class.
+        PakClassFieldTraits::unpack(stream, info);
+        return std::nullopt;
     }
 };
 

@@ -65,7 +65,7 @@ bool PakInputStream::readHead() {
     return true;
 }
 
-bool PakInputStream::beginField(int32_t tag, bool required) {
+bool PakInputStream::beginOtherField(int32_t tag, bool required) {
     if (!peakHead() || headTag_ != tag) {
         pakAssert(!required, "required == NO");
         return false;
@@ -135,7 +135,7 @@ int64_t PakInputStream::readInt(int32_t tag) {
     return takeInteger();
 }
 
-int64_t PakInputStream::takeInteger() {
+int64_t PakInputStream::takeIntegerNearEnd() {
     switch (headType_) {
         case PAK_TYPE_INT1:
             return readInt1();
@@ -164,26 +164,31 @@ double PakInputStream::readDouble(int32_t tag) {
     return readDouble();
 }
 
-PakValue PakInputStream::readNumber(int32_t tag, bool required) {
-    if (!beginField(tag, required)) return {};
+template <typename Call>
+auto PakInputStream::takeNumber(Call call) {
     switch (headType_) {
         case PAK_TYPE_INT1:
-            return readInt1();
+            return call(readInt1());
         case PAK_TYPE_INT2:
-            return readInt2();
+            return call(readInt2());
         case PAK_TYPE_INT4:
-            return readInt4();
+            return call(readInt4());
         case PAK_TYPE_INT8:
-            return readInt8();
+            return call(readInt8());
         case PAK_TYPE_FLOAT:
-            return readFloat();
+            return call(readFloat());
         case PAK_TYPE_DOUBLE:
-            return readDouble();
+            return call(readDouble());
         case PAK_TYPE_ZERO:
-            return int8_t{0};
+            return call(int8_t{0});
         default:
             pakFail("0");
     }
+}
+
+PakValue PakInputStream::readNumber(int32_t tag, bool required) {
+    if (!beginField(tag, required)) return {};
+    return takeNumber([](auto number) { return PakValue(number); });
 }
 
 std::optional<std::string_view> PakInputStream::readStringView(int32_t tag, bool required) {
@@ -202,7 +207,7 @@ std::optional<std::string_view> PakInputStream::readStringView(int32_t tag, bool
     const auto bytes = take(length);
     stringLength_ = static_cast<int32_t>(length);
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    if (!vorla::isValidUtf8(text)) return std::nullopt;
+    if (!text.empty() && !vorla::isValidUtf8(text)) return std::nullopt;
     return text;
 }
 
@@ -314,9 +319,18 @@ std::optional<PakArray> PakInputStream::readArray(int32_t tag, bool required,
     const int64_t count = readInt(0);
     PakArray array;
     array.reserve(elementsToReserve(count));
+    const PakClass* const expected = description.asClass();
+    const auto kind = expected ? expected->kind() : PakValue::Kind::Nothing;
     for (int64_t i = 0; i < count; ++i) {
-        PakValue element = readAnything(0, true, description);
-        if (element) array.push_back(std::move(element));
+        // Numbers and objects, which long lists are mostly made of, are made in their place.
+        if (kind == PakValue::Kind::Number) {
+            beginField(0, true);
+            takeNumber([&](auto number) { array.emplace_back(number); });
+        } else if (kind == PakValue::Kind::Object) {
+            if (auto object = readObject(0, true, *expected)) array.emplace_back(std::move(object));
+        } else if (PakValue element = readAnything(0, true, description)) {
+            array.push_back(std::move(element));
+        }
     }
     return array;
 }

@@ -65,8 +65,10 @@ class PakInputStream : public PakStream {
     /// A number of the kind and width that was stored.
     PakValue readNumber(int32_t tag, bool required);
     /// The same converted to the type of a number: integers are cut to its width, see PakValue.
+    /// Always inlined: each declared field has its own copy and mostly numbers of one width, so
+    /// that the branches are foreseen.
     template <vorla::PakScalar T>
-    std::optional<T> readNumberAs(int32_t tag, bool required);
+    [[gnu::always_inline]] std::optional<T> readNumberAs(int32_t tag, bool required);
     /// Absent too when the bytes are no well-formed UTF-8.
     std::optional<std::string> readString(int32_t tag, bool required);
     /// The same without a copy, good as long as the source.
@@ -95,11 +97,36 @@ class PakInputStream : public PakStream {
 
  private:
     class Nesting;
-    bool beginField(int32_t tag, bool required);
+    /// Moves over the head of the wanted field. False for an absent one that is not required.
+    bool beginField(int32_t tag, bool required) {
+        if (cursor_ >= 0 && cursor_ < streamSize_ && tag < 15) [[likely]] {
+            const uint8_t head = streamBuffer_[cursor_];
+            if (head >> 4 == tag) [[likely]] {
+                headType_ = head & 0x0F;
+                headTag_ = tag;
+                ++cursor_;
+                return true;
+            }
+        }
+        return beginOtherField(tag, required);
+    }
+    bool beginOtherField(int32_t tag, bool required);
     std::span<const uint8_t> take(int64_t length);
     std::span<const uint8_t> takeSimpleList();
     /// The number behind the head that was read last.
-    int64_t takeInteger();
+    int64_t takeInteger() {
+        if (headType_ == PAK_TYPE_ZERO) return 0;
+        if (headType_ > PAK_TYPE_INT8 || streamSize_ - cursor_ < 8) return takeIntegerNearEnd();
+        int64_t value = 0;
+        unpack_64(streamBuffer_ + cursor_, value);
+        const int32_t width = 1 << headType_;
+        cursor_ += width;
+        return value >> (64 - 8 * width);
+    }
+    int64_t takeIntegerNearEnd();
+    /// Calls with the number behind the head that was read last, in the kind and width stored.
+    template <typename Call>
+    auto takeNumber(Call call);
     void skipToStructureEnd();
     [[nodiscard]] size_t elementsToReserve(int64_t announced) const;
 
@@ -111,7 +138,7 @@ class PakInputStream : public PakStream {
 };
 
 template <vorla::PakScalar T>
-std::optional<T> PakInputStream::readNumberAs(int32_t tag, bool required) {
+inline std::optional<T> PakInputStream::readNumberAs(int32_t tag, bool required) {
     if (!beginField(tag, required)) return std::nullopt;
     if (headType_ != PAK_TYPE_FLOAT && headType_ != PAK_TYPE_DOUBLE) {
         const int64_t integer = takeInteger();

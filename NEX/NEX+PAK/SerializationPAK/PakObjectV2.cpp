@@ -1,8 +1,17 @@
 #include "NEX/NEX+PAK/SerializationPAK/PakObjectV2.h"
 
+const PakPropsDescription& PakObjectV2::pakPropsDescription() const {
+    return dynamicClass().pakPropsDescription();
+}
+
+const PakObjectPtr& PakObjectV2::pakRefObject() const {
+    return dynamicClass().pakRefObject();
+}
+
 void PakObjectV2::__pack(PakOutputStream& stream) {
-    const PakObject* const reference = pakRefObject().get();
-    for (const auto& [tag, info] : pakPropsDescription())
+    const PakClass& described = dynamicClass();
+    const PakObject* const reference = described.pakRefObject().get();
+    for (const auto& [tag, info] : described.pakPropsDescription())
         info.field->pack(*this, stream, info, reference);
 }
 

@@ -18,11 +18,9 @@ class PakObjectV2 : public PakObject {
     PAK_OBJECT(PakObjectV2, PakObject, nullptr)
 
     /// What the storage names of the object's class say, by tag.
-    [[nodiscard]] const PakPropsDescription& pakPropsDescription() const {
-        return dynamicClass().pakPropsDescription();
-    }
+    [[nodiscard]] const PakPropsDescription& pakPropsDescription() const;
     /// The one reference instance of the object's class.
-    [[nodiscard]] const PakObjectPtr& pakRefObject() const { return dynamicClass().pakRefObject(); }
+    [[nodiscard]] const PakObjectPtr& pakRefObject() const;
 
     void __pack(PakOutputStream& stream) override;
     void __unpack(PakInputStream& stream) override;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
-#include <utility>
 
 #include "NEX/NEX+PAK/SerializationPAK/PakFailure.h"
 #include "NEX/NEX+PAK/SerializationPAK/PakObject.h"
@@ -30,28 +29,7 @@ int32_t checkedSize(size_t size) {
 
 }  // namespace
 
-namespace {
-
-/// The buffer of the thread's last stream of the default capacity, for the next one: every nested
-/// structure takes one.
-struct SpareBuffer {
-    uint8_t* memory = nullptr;
-    SpareBuffer() = default;
-    ~SpareBuffer() { std::free(memory); }
-    SpareBuffer(const SpareBuffer&) = delete;
-    SpareBuffer& operator=(const SpareBuffer&) = delete;
-};
-thread_local SpareBuffer spareBuffer;
-
-}  // namespace
-
-PakOutputStream::PakOutputStream() {
-    streamSize_ = kDefaultCapacity;
-    spare_ = std::exchange(spareBuffer.memory, nullptr);
-    if (!spare_) spare_ = static_cast<uint8_t*>(std::malloc(kDefaultCapacity));
-    streamBuffer_ = spare_;
-    pakAssert(streamBuffer_ != nullptr, "_streamBuffer");
-}
+PakOutputStream::PakOutputStream() : PakOutputStream(kDefaultCapacity) {}
 
 PakOutputStream::PakOutputStream(int32_t initWithBufferSize) {
     streamSize_ = std::max(initWithBufferSize, 1);
@@ -84,22 +62,7 @@ void PakOutputStream::grow(int64_t size) {
     void* moved = std::realloc(streamBuffer_, static_cast<size_t>(capacity));
     pakAssert(moved != nullptr, "_streamBuffer");
     streamBuffer_ = static_cast<uint8_t*>(moved);
-    spare_ = nullptr;
     streamSize_ = static_cast<int32_t>(capacity);
-}
-
-inline uint8_t* PakOutputStream::beginField(int32_t tag, int32_t type, int32_t payload) {
-    const int32_t head = tag < 15 ? 1 : 2;
-    preventBufferOverflow(head + payload);
-    uint8_t* const at = place();
-    cursor_ += head + payload;
-    if (tag < 15) {
-        at[0] = static_cast<uint8_t>((tag & 0x0F) << 4 | (type & 0x0F));
-    } else {
-        at[0] = static_cast<uint8_t>(0xF0 | (type & 0x0F));
-        at[1] = static_cast<uint8_t>(tag);
-    }
-    return at + head;
 }
 
 void PakOutputStream::writeTag(int32_t tag, int32_t type) {
@@ -140,7 +103,7 @@ void PakOutputStream::fillWithZero(int32_t count) {
     cursor_ += count;
 }
 
-void PakOutputStream::writeInt(int64_t value, int32_t tag) {
+void PakOutputStream::writeIntNearEnd(int64_t value, int32_t tag) {
     if (value == 0)
         beginField(tag, PAK_TYPE_ZERO, 0);
     else if (value == static_cast<int8_t>(value))
@@ -183,11 +146,19 @@ void PakOutputStream::writeString(const PakValue& string, int32_t tag, bool requ
 
 void PakOutputStream::writeString(std::string_view string, int32_t tag) {
     const int32_t size = checkedSize(string.size());
-    if (size < 256)
-        pack_8(beginField(tag, PAK_TYPE_STRING1, 1), static_cast<int8_t>(size));
-    else
-        pack_32(beginField(tag, PAK_TYPE_STRING4, 4), size);
-    writeBytes(string.data(), size);
+    if (size == 0) {
+        *beginField(tag, PAK_TYPE_STRING1, 1) = 0;
+        return;
+    }
+    uint8_t* to = nullptr;
+    if (size < 256) {
+        to = beginField(tag, PAK_TYPE_STRING1, int64_t{1} + size);
+        to += pack_8(to, static_cast<int8_t>(size));
+    } else {
+        to = beginField(tag, PAK_TYPE_STRING4, int64_t{4} + size);
+        to += pack_32(to, size);
+    }
+    std::memcpy(to, string.data(), string.size());
 }
 
 void PakOutputStream::writeData(const PakValue& data, int32_t tag, bool required) {
@@ -244,10 +215,11 @@ void PakOutputStream::writeObject(const PakValue& object, int32_t tag, bool requ
 
 void PakOutputStream::writeObject(PakObject& object, int32_t tag) {
     // A stream of its own: a structure may rely on where in its stream it begins.
-    PakOutputStream members;
-    object.__pack(members);
+    if (!members_) members_ = stream();
+    members_->setCursor(0);
+    object.__pack(*members_);
     writeTag(tag, PAK_TYPE_STRUCT_S);
-    writeBytes(members.streamBuffer(), members.cursor());
+    writeBytes(members_->streamBuffer(), members_->cursor());
     writeTag(0, PAK_TYPE_STRUCT_E);
 }
 
@@ -262,7 +234,7 @@ void PakOutputStream::writeAnything(const PakValue& value, int32_t tag, bool req
         case PakValue::Kind::Object:
             return writeObject(value, tag, required);
         case PakValue::Kind::String:
-            return writeString(value, tag, required);
+            return writeString(value.stringValue(), tag);
         case PakValue::Kind::Data:
             return writeData(value, tag, required);
         case PakValue::Kind::Nothing:

@@ -42,7 +42,9 @@ class PakOutputStream : public PakStream {
     void fillWithZero(int32_t count);
 
     // Whole fields.
-    void writeInt(int64_t value, int32_t tag);
+    /// In the smallest form. Always inlined: each declared field has its own copy and mostly values
+    /// of one width, so that the branches are foreseen.
+    [[gnu::always_inline]] void writeInt(int64_t value, int32_t tag);
     void writeFloat(float value, int32_t tag);
     void writeDouble(double value, int32_t tag);
     void writeNumber(const PakValue& number, int32_t tag, bool required);
@@ -62,16 +64,63 @@ class PakOutputStream : public PakStream {
     void writeObject(PakObject& object, int32_t tag);
 
  private:
+    [[nodiscard]] bool hasRoom(int64_t size) const {
+        return streamSize_ - int64_t{cursor_} >= size && streamSize_ != 0;
+    }
     void preventBufferOverflow(int64_t size) {
-        if (streamSize_ - int64_t{cursor_} < size || streamSize_ == 0) [[unlikely]]
+        if (!hasRoom(size)) [[unlikely]]
             grow(size);
     }
-    void grow(int64_t size);
+    [[gnu::cold]] void grow(int64_t size);
     /// Writes a head, makes room for the payload and moves over both; gives the payload's place.
-    uint8_t* beginField(int32_t tag, int32_t type, int32_t payload);
+    uint8_t* beginField(int32_t tag, int32_t type, int64_t payload);
+    void writeIntNearEnd(int64_t value, int32_t tag);
     [[nodiscard]] uint8_t* place() const { return streamBuffer_ + cursor_; }
 
     static constexpr int32_t kDefaultCapacity = 4096;
-    /// The buffer while it is one of exactly the default capacity.
-    uint8_t* spare_ = nullptr;
+    /// The longest head and the longest integer.
+    static constexpr int32_t kMostForInt = 2 + 8;
+    /// What nested structures are written to, one after another; made for the first.
+    std::unique_ptr<PakOutputStream> members_;
 };
+
+inline uint8_t* PakOutputStream::beginField(int32_t tag, int32_t type, int64_t payload) {
+    const int32_t head = tag < 15 ? 1 : 2;
+    preventBufferOverflow(head + payload);
+    uint8_t* const at = place();
+    cursor_ += static_cast<int32_t>(head + payload);
+    if (tag < 15) {
+        at[0] = static_cast<uint8_t>((tag & 0x0F) << 4 | (type & 0x0F));
+    } else {
+        at[0] = static_cast<uint8_t>(0xF0 | (type & 0x0F));
+        at[1] = static_cast<uint8_t>(tag);
+    }
+    return at + head;
+}
+
+inline void PakOutputStream::writeInt(int64_t value, int32_t tag) {
+    if (!hasRoom(kMostForInt)) [[unlikely]]
+        return writeIntNearEnd(value, tag);
+    uint8_t* const at = place();
+    const int32_t head = tag < 15 ? 1 : 2;
+    const int32_t high = tag < 15 ? tag << 4 : 0xF0;
+    // The payload overwrites the second byte of a head that has only one.
+    at[1] = static_cast<uint8_t>(tag);
+    int32_t type = PAK_TYPE_ZERO, payload = 0;
+    if (value == 0) {
+    } else if (value == static_cast<int8_t>(value)) {
+        type = PAK_TYPE_INT1;
+        payload = pack_8(at + head, static_cast<int8_t>(value));
+    } else if (value == static_cast<int16_t>(value)) {
+        type = PAK_TYPE_INT2;
+        payload = pack_16(at + head, static_cast<int16_t>(value));
+    } else if (value == static_cast<int32_t>(value)) {
+        type = PAK_TYPE_INT4;
+        payload = pack_32(at + head, static_cast<int32_t>(value));
+    } else {
+        type = PAK_TYPE_INT8;
+        payload = pack_64(at + head, value);
+    }
+    at[0] = static_cast<uint8_t>(high | type);
+    cursor_ += head + payload;
+}

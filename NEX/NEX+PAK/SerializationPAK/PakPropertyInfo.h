@@ -1,9 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "NEX/NEX+PAK/SerializationPAK/PakPair.h"
 
@@ -33,5 +34,21 @@ class PakPropertyInfo {
     const vorla::PakField* field = nullptr;
 };
 
-/// By tag, thus in the order in which the fields are written.
-using PakPropsDescription = std::map<int64_t, PakPropertyInfo>;
+/// What the storage names of a class say, by tag and thus in the order in which the fields are
+/// written. One run of memory: it is walked for every object that is written or read.
+class PakPropsDescription {
+ public:
+    using Entry = std::pair<int64_t, PakPropertyInfo>;
+
+    /// Of two fields of one tag the later stays.
+    void insert(PakPropertyInfo info);
+
+    [[nodiscard]] auto begin() const { return entries_.begin(); }
+    [[nodiscard]] auto end() const { return entries_.end(); }
+    [[nodiscard]] size_t size() const { return entries_.size(); }
+    /// Raises std::out_of_range for a tag that no field has.
+    [[nodiscard]] const PakPropertyInfo& at(int64_t tag) const;
+
+ private:
+    std::vector<Entry> entries_;
+};

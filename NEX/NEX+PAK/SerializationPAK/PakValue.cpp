@@ -65,13 +65,6 @@ PackedBytes::PackedBytes(std::span<const uint8_t> bytes) {
     std::memcpy(block_.get() + sizeof size, bytes.data(), bytes.size());
 }
 
-std::span<const uint8_t> PackedBytes::bytes() const {
-    if (!block_) return {};
-    uint32_t size = 0;
-    std::memcpy(&size, block_.get(), sizeof size);
-    return {block_.get() + sizeof size, size};
-}
-
 }  // namespace vorla
 
 using vorla::PakBox;
@@ -83,7 +76,7 @@ PakValue::PakValue(PakArray array) : storage_(PakBox<PakArray>(std::move(array))
 PakValue::PakValue(PakDictionary dictionary)
     : storage_(PakBox<PakDictionary>(std::move(dictionary))) {}
 PakValue::PakValue(PakObjectPtr object) {
-    if (object) storage_ = PakBox<PakObjectPtr>(std::move(object));
+    if (object) storage_.emplace<PakBox<PakObjectPtr>>(std::move(object));
 }
 
 PakValue::PakValue(const PakValue&) = default;
@@ -121,11 +114,6 @@ double PakValue::doubleValue() const {
                 return 0;
         },
         storage_);
-}
-
-std::string_view PakValue::stringValue() const {
-    const auto* text = std::get_if<vorla::PackedText>(&storage_);
-    return text ? vorla::textOf(text->bytes()) : std::string_view();
 }
 
 std::span<const uint8_t> PakValue::dataValue() const {

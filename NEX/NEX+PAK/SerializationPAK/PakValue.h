@@ -46,7 +46,12 @@ class PackedBytes {
     PackedBytes& operator=(PackedBytes&&) noexcept = default;
     ~PackedBytes() = default;
 
-    [[nodiscard]] std::span<const uint8_t> bytes() const;
+    [[nodiscard]] std::span<const uint8_t> bytes() const {
+        if (!block_) return {};
+        uint32_t size = 0;
+        std::memcpy(&size, block_.get(), sizeof size);
+        return {block_.get() + sizeof size, size};
+    }
 
  private:
     /// Four bytes of length, then the bytes.
@@ -215,4 +220,11 @@ inline int64_t PakValue::int64Value() const {
         default:
             return 0;
     }
+}
+
+inline std::string_view PakValue::stringValue() const {
+    const auto* text = std::get_if<vorla::PackedText>(&storage_);
+    if (!text) return {};
+    const auto bytes = text->bytes();
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }

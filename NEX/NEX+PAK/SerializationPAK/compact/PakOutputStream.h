@@ -58,7 +58,7 @@ class PakOutputStream {
         const uint64_t bits = std::bit_cast<uint32_t>(value);
         writer_.advance(DataHead::storeAt(writer_.reserve(8), PAK_TYPE_FLOAT, tag, bits << 32) + 4);
     }
-    void write(double value, uint8_t tag) {
+    [[gnu::always_inline]] void write(double value, uint8_t tag) {
         uint8_t* const to = writer_.reserve(10);
         const size_t head = DataHead::storeAt(to, PAK_TYPE_DOUBLE, tag, 0);
         BufferWriter::storeWord(to + head, std::bit_cast<uint64_t>(value));
@@ -76,7 +76,9 @@ class PakOutputStream {
         BufferWriter::copy(to + start, text.data(), size);
         writer_.advance(start + size);
     }
-    void write(const std::string& text, uint8_t tag) { write(std::string_view(text), tag); }
+    [[gnu::always_inline]] void write(const std::string& text, uint8_t tag) {
+        write(std::string_view(text), tag);
+    }
     void write(const char* text, uint8_t tag) { write(std::string_view(text), tag); }
 
     template <typename T>
