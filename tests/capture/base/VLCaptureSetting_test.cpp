@@ -55,7 +55,7 @@ TEST_F(CaptureSetting, SetValuesSurviveTheProcess) {
     setting_.setHighResolution(false);
     setting_.setRunAlone(false);
     setting_.setFileType(VLBitmapFileTypeTIFF);
-    setting_.setLastSavePath("/tmp/\xC3\xA9t\xC3\xA9");
+    setting_.setLastSavePath("/pictures/\xC3\xA9t\xC3\xA9");
     setting_.setChannel("store");
     setting_.setThemeName("dark");
 
@@ -65,7 +65,7 @@ TEST_F(CaptureSetting, SetValuesSurviveTheProcess) {
     EXPECT_FALSE(next.isHighResolution());
     EXPECT_FALSE(next.isRunAlone());
     EXPECT_EQ(next.fileType(), 0U);
-    EXPECT_EQ(next.lastSavePath(), "/tmp/\xC3\xA9t\xC3\xA9");
+    EXPECT_EQ(next.lastSavePath(), "/pictures/\xC3\xA9t\xC3\xA9");
     EXPECT_EQ(next.channel(), "store");
     EXPECT_EQ(next.themeName(), "dark");
 }

@@ -20,7 +20,7 @@ TEST(StringHelpers, fileNames) {
     } rows[] = {
         {"~/Desktop", 4, true, "Vorla", "Vorla20150612-083015@2x.png"},
         {"/tmp", 4, false, "Vorla", "Vorla20150612-083015.png"},
-        {"/tmp/", 0, true, "Vorla", "Vorla20150612-083015@2x.tiff"},
+        {"/pictures/", 0, true, "Vorla", "Vorla20150612-083015@2x.tiff"},
         {"", 1, false, "", "20150612-083015.bmp"},
         {"relative", 2, false, "my shot ", "my shot 20150612-083015.gif"},
         {"~", 3, false, "截图", "截图20150612-083015.jpg"},
