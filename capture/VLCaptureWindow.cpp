@@ -101,7 +101,14 @@ QPointer<VLCaptureWindow> VLCaptureWindow::captureWindowWithFrame(const VLRect& 
     QScreen* target = toolkitScreen(screen);
     if (!target) return nullptr;
     QPointer<VLCaptureWindow> panel(takeSpare(target->geometry().size()));
-    if (!panel) panel = new VLCaptureWindow;
+    if (!panel) {
+        // None fits since the screens have changed: an old one makes room for this one.
+        if (!spares().empty()) {
+            const std::unique_ptr<VLCaptureWindow> outgrown(spares().front());
+            spares().erase(spares().begin());
+        }
+        panel = new VLCaptureWindow;
+    }
     panel->coverScreen(target);
     return panel;
 }

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "platform/base/MainQueue.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/raii.h"
 #include "platform/view/VLPanel.h"
@@ -22,6 +23,34 @@ constexpr int focusSettleMilliseconds = 30;
 constexpr int patience = 8;
 constexpr int patienceMilliseconds = 2000;
 
+/// Tells when the last of the host's own windows is minimised: that is how a program is hidden
+/// here.
+class HostWindowWatch : public QObject {
+ public:
+    HostWindowWatch() { qApp->installEventFilter(this); }
+
+    bool eventFilter(QObject* receiver, QEvent* event) override {
+        if (event->type() != QEvent::WindowStateChange || !receiver->isWidgetType()) return false;
+        const auto* window = static_cast<const QWidget*>(receiver);
+        // Posted for later, for it ends the session and this watch with it.
+        if (isHostWindow(window) && window->isMinimized() && !hostIsSeen())
+            MainQueue::post([] {
+                NotificationCenter::defaultCenter().post(NSApplicationWillHideNotification);
+            });
+        return false;
+    }
+
+ private:
+    static bool isHostWindow(const QWidget* widget) {
+        return widget->isWindow() && widget->isVisible() && !dynamic_cast<const VLPanel*>(widget);
+    }
+    static bool hostIsSeen() {
+        return std::ranges::any_of(QApplication::topLevelWidgets(), [](const QWidget* widget) {
+            return isHostWindow(widget) && !widget->isMinimized();
+        });
+    }
+};
+
 }  // namespace
 
 struct PanelStack::State {
@@ -29,6 +58,7 @@ struct PanelStack::State {
     QPointer<VLPanel> key;
     std::optional<SavedFocus> focusBefore;
     std::optional<ForeignWindowWatch> watch;
+    std::optional<HostWindowWatch> hostWatch;
     QMetaObject::Connection focusConnection;
     QTimer settle;
     QTimer forgive;
@@ -55,6 +85,7 @@ void PanelStack::add(VLPanel* panel) {
     if (state_->panels.empty()) {
         state_->focusBefore = SavedFocus::current();
         state_->watch.emplace([this] { restack(); });
+        state_->hostWatch.emplace();
         watchFocus();
     }
     std::erase(state_->panels, panel);
@@ -76,6 +107,7 @@ void PanelStack::remove(VLPanel* panel) {
     state_->stolen = 0;
     state_->key.clear();
     state_->watch.reset();
+    state_->hostWatch.reset();
     if (state_->focusBefore) state_->focusBefore->restore();
     state_->focusBefore.reset();
 }

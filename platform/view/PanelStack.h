@@ -13,7 +13,7 @@ namespace vorla {
 /// times: the user has left for another program.
 inline constexpr const char* NSApplicationWillResignActiveNotification =
     "NSApplicationWillResignActiveNotification";
-/// Posted when the user hides the host while panels are up.
+/// Posted when the last of the host's own windows is minimised while panels are up.
 inline constexpr const char* NSApplicationWillHideNotification =
     "NSApplicationWillHideNotification";
 

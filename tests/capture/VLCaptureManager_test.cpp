@@ -76,6 +76,23 @@ TEST_F(Session, TellsWhoCancelled) {
     EXPECT_TRUE(host_->delivered.empty());
 }
 
+TEST_F(Session, EndsWhenTheHostsLastWindowIsMinimised) {
+    QWidget first;
+    QWidget second;
+    first.show();
+    second.show();
+    start();
+    first.showMinimized();
+    runPending();
+    EXPECT_TRUE(VLIsCapturing());
+    second.showMinimized();
+    runPending();
+    EXPECT_EQ(std::exchange(host_->cancelled, 0), 1);
+    first.hide();
+    second.hide();
+    expectOver();
+}
+
 TEST_F(Session, ASecondStartIsRefusedAndStillCounted) {
     start();
     const auto before = panel();
