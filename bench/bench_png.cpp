@@ -15,7 +15,7 @@
 #include <string>
 
 #include "bench/screens.h"
-#include "capture/support/PngEncoder.h"
+#include "imaging/png/PngEncoder.h"
 
 namespace {
 

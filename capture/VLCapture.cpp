@@ -4,14 +4,14 @@
 #include "NEX/NEX/VLStatisticManager.h"
 #include "capture/VLCaptureManager.h"
 #include "capture/VLCaptureWindow.h"
-#include "capture/support/VLCaptureThemeManager.h"
-#include "capture/support/VLCursor.h"
 #include "platform/base/Bundle.h"
 #include "platform/base/VLLog.h"
 #include "platform/view/Application.h"
 #include "platform/view/drawing.h"
 #include "platform/windowserver/WindowServer.h"
 #include "selection/VLCaptureMagnifierView.h"
+#include "theme/VLCaptureThemeManager.h"
+#include "theme/VLCursor.h"
 
 const char* const VorlaFrameworkVersionString = VORLA_VERSION;
 

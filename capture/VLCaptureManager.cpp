@@ -4,14 +4,14 @@
 #include <utility>
 
 #include "NEX/NEX/OzuNexManager.h"
-#include "capture/base/StatisticDoor.h"
-#include "capture/support/VLCaptureThemeManager.h"
 #include "platform/base/MainQueue.h"
 #include "platform/base/VLLog.h"
 #include "platform/base/raii.h"
 #include "platform/view/Application.h"
 #include "platform/view/CursorStack.h"
 #include "platform/view/PanelStack.h"
+#include "settings/StatisticDoor.h"
+#include "theme/VLCaptureThemeManager.h"
 
 using vorla::Notification;
 using vorla::NotificationCenter;

@@ -4,12 +4,11 @@
 #include <chrono>
 
 #include "capture/VLCaptureManager.h"
-#include "capture/base/VLCaptureSetting.h"
-#include "capture/support/ImageEncoding.h"
-#include "capture/support/ImageHelpers.h"
-#include "capture/support/PasteboardHelpers.h"
-#include "capture/support/PngEncoder.h"
-#include "capture/support/StringHelpers.h"
+#include "imaging/ImageEncoding.h"
+#include "imaging/ImageHelpers.h"
+#include "imaging/PasteboardHelpers.h"
+#include "imaging/StringHelpers.h"
+#include "imaging/png/PngEncoder.h"
 #include "platform/base/Bundle.h"
 #include "platform/base/DispatchQueue.h"
 #include "platform/base/MainQueue.h"
@@ -17,6 +16,7 @@
 #include "platform/base/files.h"
 #include "platform/desktop/SavePanel.h"
 #include "platform/desktop/Sound.h"
+#include "settings/VLCaptureSetting.h"
 
 using vorla::DispatchQueue;
 using vorla::MainQueue;

@@ -6,10 +6,10 @@
 #include <algorithm>
 #include <utility>
 
-#include "capture/base/StatisticDoor.h"
 #include "platform/base/VLLog.h"
 #include "platform/windowserver/WindowServer.h"
 #include "selection/VLCaptureViewController.h"
+#include "settings/StatisticDoor.h"
 
 using vorla::Notification;
 using vorla::NotificationCenter;

@@ -2,10 +2,10 @@
 
 #include <utility>
 
-#include "capture/support/VLCaptureThemeManager.h"
-#include "capture/support/VLCaptureUtilities.h"
 #include "platform/base/Bundle.h"
 #include "platform/base/VLLog.h"
+#include "theme/VLCaptureThemeManager.h"
+#include "windows/VLCaptureUtilities.h"
 
 using vorla::Notification;
 using vorla::ServerWindow;

@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "capture/VLCaptureWindow.h"
-#include "capture/support/VLCaptureWindowInfo.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/windowserver/WindowServer.h"
 #include "selection/VLCaptureViewController.h"
+#include "windows/VLCaptureWindowInfo.h"
 
 /// Posted by the toolbar's Cancel button; the object is a false `bool`.
 inline constexpr const char* NotificationCaptureDidCancel = "notificationcapturedidcancel";

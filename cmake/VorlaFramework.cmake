@@ -18,7 +18,7 @@ add_dependencies(Vorla vorla_resources)
 
 install(TARGETS Vorla EXPORT VorlaTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 foreach(header
-    capture/VLCapture.h capture/VLCaptureRequest.h capture/base/VLCaptureDefaultSetting.h
+    capture/VLCapture.h capture/VLCaptureRequest.h settings/VLCaptureDefaultSetting.h
     platform/base/export.h)
   get_filename_component(folder ${header} DIRECTORY)
   install(FILES ${PROJECT_SOURCE_DIR}/${header}

@@ -8,9 +8,9 @@
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 
-#include "capture/base/plist.h"
 #include "platform/base/VLLog.h"
 #include "platform/base/raii.h"
+#include "settings/plist.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
     static const bool quiet = (vorla::setLogHandler([](std::string_view) {}), true);

@@ -4,8 +4,8 @@
 #include <array>
 #include <cmath>
 
-#include "capture/support/VLCaptureThemeManager.h"
 #include "platform/view/drawing.h"
+#include "theme/VLCaptureThemeManager.h"
 
 namespace {
 

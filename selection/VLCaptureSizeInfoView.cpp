@@ -3,9 +3,9 @@
 #include <QPainter>
 #include <cmath>
 
-#include "capture/support/VLCaptureThemeManager.h"
 #include "platform/base/VLLog.h"
 #include "platform/view/drawing.h"
+#include "theme/VLCaptureThemeManager.h"
 
 namespace {
 

@@ -2,14 +2,14 @@
 
 #include <cmath>
 
-#include "capture/base/StatisticDoor.h"
-#include "capture/support/VLCaptureThemeManager.h"
-#include "capture/support/VLCaptureUtilities.h"
-#include "capture/support/VLCaptureWindowInfo.h"
-#include "capture/support/VLCursor.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/VLLog.h"
 #include "platform/view/VLEventTracker.h"
+#include "settings/StatisticDoor.h"
+#include "theme/VLCaptureThemeManager.h"
+#include "theme/VLCursor.h"
+#include "windows/VLCaptureUtilities.h"
+#include "windows/VLCaptureWindowInfo.h"
 
 using vorla::NotificationCenter;
 

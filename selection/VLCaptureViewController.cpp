@@ -2,10 +2,10 @@
 
 #include <QPainter>
 
-#include "capture/support/ImagePart.h"
-#include "capture/support/VLCaptureWindowInfo.h"
+#include "imaging/ImagePart.h"
 #include "platform/base/VLLog.h"
 #include "platform/view/drawing.h"
+#include "windows/VLCaptureWindowInfo.h"
 
 using vorla::Notification;
 using vorla::NotificationCenter;

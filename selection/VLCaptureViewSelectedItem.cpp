@@ -5,9 +5,9 @@
 #include <array>
 #include <cmath>
 
-#include "capture/support/VLCaptureUtilities.h"
 #include "platform/base/VLLog.h"
 #include "platform/view/VLView.h"
+#include "windows/VLCaptureUtilities.h"
 
 namespace {
 

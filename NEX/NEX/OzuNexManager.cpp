@@ -6,8 +6,8 @@
 #include "NEX/NEX/OzuStatAgent.h"
 #include "NEX/NEX/OzuStatService.h"
 #include "NEX/NEX/VLStatisticManager.h"
-#include "capture/base/StatisticDoor.h"
 #include "platform/base/VLLog.h"
+#include "settings/StatisticDoor.h"
 
 namespace {
 

@@ -6,12 +6,12 @@
 #include <utility>
 
 #include "NEX/NEX/VLNEXUtilities.h"
-#include "capture/base/CBaseFile.h"
-#include "capture/base/VLCaptureSetting.h"
-#include "capture/base/plist.h"
 #include "platform/base/Bundle.h"
 #include "platform/base/files.h"
 #include "platform/base/raii.h"
+#include "settings/CBaseFile.h"
+#include "settings/VLCaptureSetting.h"
+#include "settings/plist.h"
 
 namespace {
 

@@ -4,15 +4,15 @@
 
 #include <memory>
 
-#include "capture/base/StatisticDoor.h"
-#include "capture/support/VLCaptureWindowInfo.h"
 #include "platform/view/VLPanel.h"
 #include "platform/windowserver/MemoryWindowServer.h"
 #include "selection/VLCaptureViewController.h"
+#include "settings/StatisticDoor.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/OffscreenScreens.h"
 #include "tests/support/Pointer.h"
 #include "tests/support/TestResources.h"
+#include "windows/VLCaptureWindowInfo.h"
 
 /// Gives the windows to snap to and takes the finished picture.
 class Snapping : public VLCaptureViewControllerDelegate {

@@ -1,7 +1,7 @@
 #include "selection/VLCaptureView.h"
 
-#include "capture/support/VLCursor.h"
 #include "tests/selection/SurfaceTest.h"
+#include "theme/VLCursor.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <fstream>
 #include <string>
 
-#include "capture/support/VLCaptureThemeManager.h"
 #include "platform/base/Bundle.h"
 #include "tests/support/TemporaryFolder.h"
+#include "theme/VLCaptureThemeManager.h"
 
 namespace vorla::test {
 

@@ -8,8 +8,8 @@
 #include <cstdio>
 
 #include "NEX/NEX/VLNEXUtilities.h"
-#include "capture/base/plist.h"
 #include "platform/base/files.h"
+#include "settings/plist.h"
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/StatServer.h"
 #include "tests/support/TemporaryFolder.h"

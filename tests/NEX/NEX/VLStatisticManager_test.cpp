@@ -11,9 +11,9 @@
 
 #include "NEX/NEX/VLNEXUtilities.h"
 #include "NEX/NEX/VLSTStatProtocol_Function.h"
-#include "capture/base/VLCaptureSetting.h"
-#include "capture/base/plist.h"
 #include "platform/base/files.h"
+#include "settings/VLCaptureSetting.h"
+#include "settings/plist.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/ScopedEnvironment.h"

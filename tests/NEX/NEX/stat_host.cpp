@@ -27,10 +27,10 @@
 
 #include "NEX/NEX/OzuNexEnvironment.h"
 #include "NEX/NEX/OzuNexManager.h"
-#include "capture/base/StatisticDoor.h"
 #include "platform/base/Bundle.h"
 #include "platform/base/VLLog.h"
 #include "platform/base/raii.h"
+#include "settings/StatisticDoor.h"
 #include "tests/support/TestMainLoop.h"
 
 namespace {

@@ -1,6 +1,6 @@
 // A host that has nothing of the framework but what was installed. Run without a display.
 #include <capture/VLCapture.h>
-#include <capture/base/VLCaptureDefaultSetting.h>
+#include <settings/VLCaptureDefaultSetting.h>
 
 #include <cstdio>
 #include <string>

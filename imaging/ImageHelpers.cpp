@@ -1,0 +1,75 @@
+#include "imaging/ImageHelpers.h"
+
+#include <QPainter>
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstring>
+
+#include "imaging/ImageEncoding.h"
+#include "imaging/LanczosScaler.h"
+#include "platform/base/VLLog.h"
+#include "platform/base/files.h"
+
+namespace vorla {
+namespace {
+
+bool fail(const char* reason) {
+    VLLog("writeToFile failed with error %s", reason);
+    return false;
+}
+
+int pointsOf(int pixels, double devicePixelRatio) {
+    return std::max(1, static_cast<int>(std::lround(pixels / devicePixelRatio)));
+}
+
+}  // namespace
+
+VLSize pixelSize(const QImage& image) {
+    return {static_cast<double>(image.width()), static_cast<double>(image.height())};
+}
+
+bool isHighReolution(const QImage& image) {
+    return !image.isNull() && image.devicePixelRatio() > 1.0;
+}
+
+bool saveToFile(const QImage& image, const std::string& path, int fileType) {
+    return !image.isNull() && saveToFile(encodedImage(image, fileType), path);
+}
+
+bool saveToFile(const QByteArray& bytes, const std::string& path) {
+    if (path.empty()) return false;
+    const std::string target = expandTilde(path);
+    if (bytes.isEmpty()) return fail("the picture cannot be encoded in this format");
+    const size_t slash = target.rfind('/');
+    if (slash != std::string::npos && slash > 0 && !createDirectories(target.substr(0, slash)))
+        return fail(std::strerror(errno));
+    if (!writeFileAtomically(target, {bytes.constData(), static_cast<size_t>(bytes.size())}))
+        return fail(std::strerror(errno));
+    return true;
+}
+
+QImage convert2Xto1XImage(const QImage& image) {
+    if (!isHighReolution(image)) return {};
+    const double ratio = image.devicePixelRatio();
+    return lanczosScaled(image, {pointsOf(image.width(), ratio), pointsOf(image.height(), ratio)});
+}
+
+QImage generateImageWithSize(const VLSize& size, double cornerRadius, double devicePixelRatio) {
+    if (!(size.width > 0 && size.height > 0 && devicePixelRatio > 0)) return {};
+    QImage image(static_cast<int>(std::ceil(size.width * devicePixelRatio)),
+                 static_cast<int>(std::ceil(size.height * devicePixelRatio)),
+                 QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull()) return {};
+    image.setDevicePixelRatio(devicePixelRatio);
+    image.fill(Qt::transparent);
+    const double radius = std::clamp(cornerRadius, 0.0, std::min(size.width, size.height) / 2);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::black);
+    painter.drawRoundedRect(QRectF(0, 0, size.width, size.height), radius, radius);
+    return image;
+}
+
+}  // namespace vorla
