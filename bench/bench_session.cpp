@@ -29,7 +29,7 @@
 #include <string>
 #include <vector>
 
-#include "capture/VLCapture.h"
+#include <vorla/VLCapture.h>
 #include "platform/base/raii.h"
 #include "tests/support/TestProgram.h"
 #include "tests/support/XTestDriver.h"
@@ -254,7 +254,7 @@ class Bench : public VLCaptureRequestDelegate, public std::enable_shared_from_th
     bool start() {
         shown_ = false;
         delivered_ = 0;
-        request_->delegate = weak_from_this();
+        request_->setDelegate(weak_from_this());
         VLSetPanelsShownHandler([this](int) { shown_ = true; });
         return VLStartCapture(request_) && spinUntil([this] { return shown_; });
     }

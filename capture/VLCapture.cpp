@@ -1,11 +1,7 @@
-#include "capture/VLCapture.h"
+#include <vorla/VLCapture.h>
 
-#include "NEX/NEX/OzuNexManager.h"
-#include "NEX/NEX/VLStatisticManager.h"
 #include "capture/VLCaptureManager.h"
 #include "capture/VLCaptureWindow.h"
-#include "platform/base/Bundle.h"
-#include "platform/base/VLLog.h"
 #include "platform/view/Application.h"
 #include "platform/view/drawing.h"
 #include "platform/windowserver/WindowServer.h"
@@ -29,7 +25,7 @@ void loadLook() {
 }  // namespace
 
 void VLPrepareCapture() {
-    OzuNexManager::defaultManager().startStat();
+    VLStartStatistics();
     // An application object is the host's to make, and it may not have come to that yet.
     if (!vorla::attachToApplication()) return;
     const auto server = vorla::WindowServer::shared();
@@ -52,18 +48,6 @@ bool VLIsCapturing() {
 bool VLCancelCapture() {
     VLCaptureManager::sharedInstance()->cancelCapture();
     return true;
-}
-
-void VLStatEvent(int event) {
-    VLStatisticManager::defaultStatisticManager().statisticEvent(static_cast<uint64_t>(event));
-}
-
-void VLSetInfoValue(std::string_view key, std::string value) {
-    vorla::Bundle::framework().setInfoString(key, std::move(value));
-}
-
-void VLSetLogHandler(std::function<void(std::string_view)> handler) {
-    vorla::setLogHandler(std::move(handler));
 }
 
 void VLSetPanelsShownHandler(std::function<void(int)> handler) {

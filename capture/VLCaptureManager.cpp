@@ -76,7 +76,7 @@ bool VLCaptureManager::startCaptureByRequest(const std::shared_ptr<VLCaptureRequ
     isCapturing_ = true;
     qAddPostRoutine(&VLCaptureManager::endWithApplication);
     request_ = request;
-    delegate_ = request->delegate.lock();
+    delegate_ = request->delegate();
     const auto screens = server->displays();
     panelsAwaited_ = screens.size();
     for (const auto& screen : screens) {

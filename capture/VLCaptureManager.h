@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "capture/VLCaptureRequest.h"
+#include <vorla/VLCaptureRequest.h>
 #include "capture/VLCaptureWindowController.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/geometry.h"

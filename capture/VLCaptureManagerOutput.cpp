@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <chrono>
 
+#include <vorla/VLCaptureSetting.h>
 #include "capture/VLCaptureManager.h"
 #include "imaging/ImageEncoding.h"
 #include "imaging/ImageHelpers.h"
@@ -16,7 +17,6 @@
 #include "platform/base/files.h"
 #include "platform/desktop/SavePanel.h"
 #include "platform/desktop/Sound.h"
-#include "settings/VLCaptureSetting.h"
 
 using vorla::DispatchQueue;
 using vorla::MainQueue;
@@ -112,7 +112,7 @@ void VLCaptureManager::captureDidFinishWithImage(const QImage& image, bool needS
     if (VLCaptureSetting::sharedInstance().isPlaySound()) playSound();
     if (!needSave)
         writeImageToPasteboard(image);
-    else if (request_ && request_->needSelectSavePath)
+    else if (request_ && request_->needSelectSavePath())
         saveImage(image, isHighResolution);
     else
         defaultSaveImage(image, isHighResolution);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vorla/VLNotifications.h>
+
 #include <QImage>
 #include <QPointer>
 #include <cstdint>
@@ -12,9 +14,6 @@
 #include "platform/windowserver/WindowServer.h"
 #include "selection/VLCaptureViewController.h"
 #include "windows/VLCaptureWindowInfo.h"
-
-/// Posted by the toolbar's Cancel button; the object is a false `bool`.
-inline constexpr const char* NotificationCaptureDidCancel = "notificationcapturedidcancel";
 
 class VLCaptureWindowControllerDelegate {
  public:

@@ -1,29 +1,42 @@
-# The shared library on top of all folders, and how it is installed and found.
+# The two shared libraries on top of all folders, and how they are installed and found.
 include(CMakePackageConfigHelpers)
 
-add_library(Vorla SHARED cmake/framework.cpp)
-add_library(Vorla::Vorla ALIAS Vorla)
-vorla_configure_target(Vorla)
-set_target_properties(Vorla PROPERTIES
-  VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
-# Threads of ours may still be at work when a host closes the library: it stays loaded.
-target_link_options(Vorla PRIVATE -Wl,-z,nodelete
-  -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map)
-set_property(TARGET Vorla APPEND PROPERTY LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/exports.map)
-target_link_libraries(Vorla PRIVATE "$<LINK_LIBRARY:WHOLE_ARCHIVE,vorla_capture>")
-target_include_directories(Vorla INTERFACE
-  $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/Vorla>)
-target_compile_features(Vorla INTERFACE cxx_std_20)
+# vorla_add_framework(name MAP ARCHIVES...): a shared library of whole archives, exporting what the
+# version script says.
+function(vorla_add_framework name map)
+  add_library(${name} SHARED ${PROJECT_SOURCE_DIR}/cmake/framework.cpp)
+  vorla_configure_target(${name})
+  set_target_properties(${name} PROPERTIES
+    VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+    INSTALL_RPATH "$ORIGIN")
+  # Threads of ours may still be at work when a host closes the library: it stays loaded.
+  target_link_options(${name} PRIVATE -Wl,-z,nodelete -Wl,--as-needed
+    -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/${map})
+  set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/${map})
+  list(JOIN ARGN "," archives)
+  set_target_properties(${name} PROPERTIES LINK_LIBRARY_OVERRIDE "WHOLE_ARCHIVE,${archives}")
+  target_link_libraries(${name} PRIVATE ${ARGN})
+  target_include_directories(${name} INTERFACE
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  target_compile_features(${name} INTERFACE cxx_std_20)
+  install(TARGETS ${name} EXPORT VorlaTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endfunction()
+
+# Statistics, RPC and encoding: no toolkit.
+get_property(services GLOBAL PROPERTY VORLA_SERVICES)
+vorla_add_framework(VorlaServices services.map ${services})
+set_target_properties(VorlaServices PROPERTIES EXPORT_NAME Services)
+add_library(Vorla::Services ALIAS VorlaServices)
+
+# The capture library stands on it. Named first among the libraries, the services' shared form
+# satisfies every reference, and nothing of their archives is linked a second time.
+vorla_add_framework(Vorla capture.map vorla_capture)
+set_target_properties(Vorla PROPERTIES EXPORT_NAME Capture)
+target_link_libraries(Vorla PUBLIC VorlaServices)
+add_library(Vorla::Capture ALIAS Vorla)
 add_dependencies(Vorla vorla_resources)
 
-install(TARGETS Vorla EXPORT VorlaTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-foreach(header
-    capture/VLCapture.h capture/VLCaptureRequest.h settings/VLCaptureDefaultSetting.h
-    platform/base/export.h)
-  get_filename_component(folder ${header} DIRECTORY)
-  install(FILES ${PROJECT_SOURCE_DIR}/${header}
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/Vorla/${folder})
-endforeach()
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/vorla DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT VorlaTargets NAMESPACE Vorla:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorla)
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/VorlaConfig.cmake.in
   ${PROJECT_BINARY_DIR}/VorlaConfig.cmake
@@ -34,5 +47,8 @@ install(FILES ${PROJECT_BINARY_DIR}/VorlaConfig.cmake ${PROJECT_BINARY_DIR}/Vorl
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorla)
 # Relative, so that the package may be installed anywhere and moved.
 file(RELATIVE_PATH VORLA_PC_TO_PREFIX /p/${CMAKE_INSTALL_LIBDIR}/pkgconfig /p)
-configure_file(${PROJECT_SOURCE_DIR}/cmake/vorla.pc.in ${PROJECT_BINARY_DIR}/vorla.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/vorla.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+foreach(package vorla vorla-services)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/${package}.pc.in ${PROJECT_BINARY_DIR}/${package}.pc
+    @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${package}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()

@@ -1,1 +1,1 @@
-// The shared library is made of the folders' archives and has no code of its own.
+// The shared libraries are made of the folders' archives and have no code of their own.

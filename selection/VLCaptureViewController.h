@@ -12,13 +12,6 @@
 
 class VLCaptureWindowInfo;
 
-/// Posted by a surface's controller at each confirmation; the object is the controller
-/// (`const VLCaptureViewController*`), for comparing only.
-inline constexpr const char* VLNotificationCaptureDidConfirmSelection =
-    "VLNotificationCaptureDidConfirmSelection";
-/// Posted when the user turns to the recorder: selections are cleared.
-inline constexpr const char* VLNotificationPrepareToRecord = "VLNotificationPrepareToRecord";
-
 class VLCaptureViewControllerDelegate {
  public:
     virtual ~VLCaptureViewControllerDelegate() = default;

@@ -1,9 +1,12 @@
-#include "settings/VLCaptureSetting.h"
+#include <vorla/VLCaptureDefaultSetting.h>
+#include <vorla/VLCaptureSetting.h>
 
+#include <mutex>
+#include <optional>
 #include <utility>
 
+#include "platform/base/UserDefaults.h"
 #include "platform/base/raii.h"
-#include "settings/VLCaptureDefaultSetting.h"
 
 namespace {
 
@@ -26,47 +29,58 @@ VLCaptureSetting& VLCaptureSetting::sharedInstance() {
     return *instance;
 }
 
+struct VLCaptureSetting::State {
+    State(vorla::UserDefaults& store, const VLCaptureDefaultSetting& values)
+        : defaults(store), fallbacks(values) {}
+
+    vorla::UserDefaults& defaults;
+    const VLCaptureDefaultSetting& fallbacks;
+    std::mutex prefixMutex;
+    std::optional<std::string> fileNamePrefix;
+
+    void store(std::string_view key, Value value) {
+        defaults.setObject(key, std::move(value));
+        defaults.synchronize();
+    }
+
+    bool readBool(std::string_view key, bool fallback) {
+        const auto stored = defaults.objectForKey(key);
+        if (!stored) {
+            store(key, fallback);
+            return fallback;
+        }
+        const auto number = integerOf(*stored);
+        return number ? *number != 0 : fallback;
+    }
+
+    std::string readString(std::string_view key, const std::string& fallback) {
+        const auto stored = defaults.objectForKey(key);
+        const std::string* text = stored ? std::get_if<std::string>(&*stored) : nullptr;
+        return text ? *text : fallback;
+    }
+};
+
 VLCaptureSetting::VLCaptureSetting(vorla::UserDefaults& defaults,
                                    const VLCaptureDefaultSetting& fallbacks)
-    : defaults_(defaults), fallbacks_(fallbacks) {}
-
-void VLCaptureSetting::store(std::string_view key, Value value) {
-    defaults_.setObject(key, std::move(value));
-    defaults_.synchronize();
-}
-
-bool VLCaptureSetting::readBool(std::string_view key, bool fallback) {
-    const auto stored = defaults_.objectForKey(key);
-    if (!stored) {
-        store(key, fallback);
-        return fallback;
-    }
-    const auto number = integerOf(*stored);
-    return number ? *number != 0 : fallback;
-}
-
-std::string VLCaptureSetting::readString(std::string_view key, const std::string& fallback) {
-    const auto stored = defaults_.objectForKey(key);
-    const std::string* text = stored ? std::get_if<std::string>(&*stored) : nullptr;
-    return text ? *text : fallback;
-}
+    : state_(std::make_unique<State>(defaults, fallbacks)) {}
+VLCaptureSetting::~VLCaptureSetting() = default;
 
 bool VLCaptureSetting::isPlaySound() {
-    return readBool(VLCaptureSettingKeyPlaySound, defaultValueOfPlaySound());
+    return state_->readBool(VLCaptureSettingKeyPlaySound, defaultValueOfPlaySound());
 }
 void VLCaptureSetting::setPlaySound(bool value) {
-    store(VLCaptureSettingKeyPlaySound, value);
+    state_->store(VLCaptureSettingKeyPlaySound, value);
 }
 
 bool VLCaptureSetting::isHighResolution() {
-    return readBool(VLCaptureSettingKeyHighResolution, defaultValueOfResolution());
+    return state_->readBool(VLCaptureSettingKeyHighResolution, defaultValueOfResolution());
 }
 void VLCaptureSetting::setHighResolution(bool value) {
-    store(VLCaptureSettingKeyHighResolution, value);
+    state_->store(VLCaptureSettingKeyHighResolution, value);
 }
 
 uint64_t VLCaptureSetting::fileType() {
-    const auto stored = defaults_.objectForKey(VLCaptureSettingKeyFileType);
+    const auto stored = state_->defaults.objectForKey(VLCaptureSettingKeyFileType);
     const uint64_t fallback = defaultValueOfFileType();
     if (!stored) {
         setFileType(fallback);
@@ -76,69 +90,69 @@ uint64_t VLCaptureSetting::fileType() {
     return number ? static_cast<uint64_t>(*number) : fallback;
 }
 void VLCaptureSetting::setFileType(uint64_t value) {
-    store(VLCaptureSettingKeyFileType, static_cast<int64_t>(value));
+    state_->store(VLCaptureSettingKeyFileType, static_cast<int64_t>(value));
 }
 
 std::string VLCaptureSetting::lastSavePath() {
-    if (!defaults_.objectForKey(VLCaptureSettingLastSavePath))
+    if (!state_->defaults.objectForKey(VLCaptureSettingLastSavePath))
         setLastSavePath(defaultValueOfSavePath());
-    return readString(VLCaptureSettingLastSavePath, defaultValueOfSavePath());
+    return state_->readString(VLCaptureSettingLastSavePath, defaultValueOfSavePath());
 }
 void VLCaptureSetting::setLastSavePath(const std::string& value) {
-    store(VLCaptureSettingLastSavePath, value);
+    state_->store(VLCaptureSettingLastSavePath, value);
 }
 
 std::string VLCaptureSetting::channel() {
-    return readString(VLSettingKeyChannel, defaultValueOfChannel());
+    return state_->readString(VLSettingKeyChannel, defaultValueOfChannel());
 }
 void VLCaptureSetting::setChannel(const std::string& value) {
-    if (!value.empty()) store(VLSettingKeyChannel, value);
+    if (!value.empty()) state_->store(VLSettingKeyChannel, value);
 }
 
 bool VLCaptureSetting::isRunAlone() {
-    return readBool(VLSettingKeyRunAlone, defaultValueOfRunAlone());
+    return state_->readBool(VLSettingKeyRunAlone, defaultValueOfRunAlone());
 }
 void VLCaptureSetting::setRunAlone(bool value) {
-    store(VLSettingKeyRunAlone, value);
+    state_->store(VLSettingKeyRunAlone, value);
 }
 
 std::string VLCaptureSetting::themeName() {
-    return readString(VLCaptureSettingKeyThemeName, defaultValueOfThemeName());
+    return state_->readString(VLCaptureSettingKeyThemeName, defaultValueOfThemeName());
 }
 void VLCaptureSetting::setThemeName(const std::string& value) {
-    store(VLCaptureSettingKeyThemeName, value);
+    state_->store(VLCaptureSettingKeyThemeName, value);
 }
 
 std::string VLCaptureSetting::fileNamePrefix() {
-    const std::lock_guard lock(prefixMutex_);
-    if (!fileNamePrefix_) fileNamePrefix_ = defaultValueOfFileNamePrefix();
-    return *fileNamePrefix_;
+    const std::lock_guard lock(state_->prefixMutex);
+    if (!state_->fileNamePrefix) state_->fileNamePrefix = defaultValueOfFileNamePrefix();
+    return *state_->fileNamePrefix;
 }
 void VLCaptureSetting::setFileNamePrefix(std::string value) {
-    const std::lock_guard lock(prefixMutex_);
-    fileNamePrefix_ = std::move(value);
+    const std::lock_guard lock(state_->prefixMutex);
+    state_->fileNamePrefix = std::move(value);
 }
 
 bool VLCaptureSetting::defaultValueOfPlaySound() const {
-    return fallbacks_.defaultValueOfPlaySound();
+    return state_->fallbacks.defaultValueOfPlaySound();
 }
 bool VLCaptureSetting::defaultValueOfResolution() const {
-    return fallbacks_.defaultValueOfResolution();
+    return state_->fallbacks.defaultValueOfResolution();
 }
 bool VLCaptureSetting::defaultValueOfRunAlone() const {
-    return fallbacks_.defaultValueOfRunAlone();
+    return state_->fallbacks.defaultValueOfRunAlone();
 }
 uint64_t VLCaptureSetting::defaultValueOfFileType() const {
-    return fallbacks_.defaultValueOfFileType();
+    return state_->fallbacks.defaultValueOfFileType();
 }
 std::string VLCaptureSetting::defaultValueOfSavePath() const {
-    return fallbacks_.defaultValueOfSavePath();
+    return state_->fallbacks.defaultValueOfSavePath();
 }
 std::string VLCaptureSetting::defaultValueOfFileNamePrefix() const {
-    return fallbacks_.defaultValueOfFileNamePrefix();
+    return state_->fallbacks.defaultValueOfFileNamePrefix();
 }
 std::string VLCaptureSetting::defaultValueOfChannel() const {
-    return fallbacks_.defaultValueOfChannel();
+    return state_->fallbacks.defaultValueOfChannel();
 }
 std::string VLCaptureSetting::defaultValueOfThemeName() const {
     return "default";

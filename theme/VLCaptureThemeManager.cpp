@@ -12,11 +12,11 @@
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
+#include <vorla/VLCaptureSetting.h>
 #include "platform/base/Bundle.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/VLLog.h"
 #include "platform/base/files.h"
-#include "settings/VLCaptureSetting.h"
 #include "theme/HexColor.h"
 
 using nlohmann::json;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vorla/VLNotifications.h>
+
 #include <QColor>
 #include <QFont>
 #include <QImage>
@@ -11,10 +13,6 @@
 #include <vector>
 
 #include "platform/base/geometry.h"
-
-/// Posted, with no object, after another theme has taken effect.
-inline constexpr const char* VLCaptureNotificationForChangeTheme =
-    "VLCaptureNotificationForChangeTheme";
 
 /// A font as a theme tells it. The size is in points of the screen and may be 0.
 struct VLThemedFont {

@@ -1,17 +1,12 @@
 #pragma once
 
+#include <vorla/VLWindowOwners.h>
 #include <QImage>
 #include <cstdint>
 #include <memory>
 #include <string>
 
 #include "platform/base/geometry.h"
-
-/// Owner names that have a meaning of their own.
-inline constexpr const char* VLDESKTOP = "Desktop";
-inline constexpr const char* VLDOCK = "Dock";
-inline constexpr const char* VLGoogleChrome = "Google Chrome";
-inline constexpr const char* VLIbisBrowser = "Ibis浏览器";
 
 /// One on-screen window as a target that the selection can snap to. Main thread.
 class VLCaptureWindowInfo {

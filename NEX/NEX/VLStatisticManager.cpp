@@ -5,12 +5,12 @@
 #include <cstdio>
 #include <utility>
 
+#include <vorla/VLCaptureSetting.h>
 #include "NEX/NEX/VLNEXUtilities.h"
 #include "platform/base/Bundle.h"
 #include "platform/base/files.h"
 #include "platform/base/raii.h"
 #include "settings/CBaseFile.h"
-#include "settings/VLCaptureSetting.h"
 #include "settings/plist.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <memory>
 
-#include "capture/VLCapture.h"
+#include <vorla/VLCapture.h>
 
 namespace {
 
@@ -37,7 +37,7 @@ int main() {
         g_main_loop_new(nullptr, FALSE), &g_main_loop_unref);
     const auto receiver = std::make_shared<Receiver>(loop.get());
     const auto request = std::make_shared<VLCaptureRequest>();
-    request->delegate = receiver;
+    request->setDelegate(receiver);
     if (!VLStartCapture(request)) {
         std::puts("refused");
         return 0;

@@ -16,10 +16,10 @@
 #include <memory>
 #include <optional>
 
+#include <vorla/VLCapture.h>
 #include "CommandReader.h"
 #include "HostOptions.h"
 #include "HostWindow.h"
-#include "capture/VLCapture.h"
 
 namespace {
 
@@ -48,9 +48,9 @@ class Host : public VLCaptureRequestDelegate {
         : options_(std::move(options)), window_([this] { capture(); }) {}
 
     void start(const std::shared_ptr<Host>& self) {
-        request_->showSwitch = options_.showSwitch;
-        request_->needSelectSavePath = !options_.silentSave;
-        request_->delegate = self;
+        request_->setShowSwitch(options_.showSwitch);
+        request_->setNeedSelectSavePath(!options_.silentSave);
+        request_->setDelegate(self);
         VLSetPanelsShownHandler([](int screens) {
             report(QJsonObject{{"event", "panels"}, {"screens", screens}});
         });

@@ -1,6 +1,7 @@
 #include "platform/base/Bundle.h"
 
 #include <dlfcn.h>
+#include <vorla/VLInfo.h>
 
 #include <cerrno>
 #include <climits>
@@ -186,3 +187,11 @@ std::string preferredLanguage() {
 }
 
 }  // namespace vorla
+
+void VLSetInfoValue(std::string_view key, std::string value) {
+    vorla::Bundle::framework().setInfoString(key, std::move(value));
+}
+
+std::string VLInfoValue(std::string_view key) {
+    return vorla::Bundle::framework().infoString(key);
+}

@@ -1,5 +1,7 @@
 #include "platform/base/NotificationCenter.h"
 
+#include <vorla/VLNotifications.h>
+
 #include <algorithm>
 #include <mutex>
 
@@ -71,3 +73,21 @@ void NotificationObservers::clear() {
 }
 
 }  // namespace vorla
+
+uint64_t VLAddNotificationObserver(std::string_view name, VLNotificationHandler handler) {
+    if (!handler) handler = [](std::string_view, const VLNotificationObject&) {};
+    return vorla::NotificationCenter::defaultCenter().addObserver(
+        name, [handler = std::move(handler)](const vorla::Notification& notification) {
+            VLNotificationObject object;
+            if (const auto* flag = std::any_cast<bool>(&notification.object))
+                object = *flag;
+            else if (const auto* values =
+                         std::any_cast<VLNotificationDictionary>(&notification.object))
+                object = *values;
+            handler(notification.name, object);
+        });
+}
+
+void VLRemoveNotificationObserver(uint64_t ticket) {
+    vorla::NotificationCenter::defaultCenter().removeObserver(ticket);
+}

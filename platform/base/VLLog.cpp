@@ -1,6 +1,7 @@
 #include "platform/base/VLLog.h"
 
 #include <syslog.h>
+#include <vorla/VLLogging.h>
 
 #include <cstdarg>
 #include <cstdio>
@@ -71,4 +72,8 @@ void VLLogTrace(const char* format, ...) {
     const std::string line = vorla::formatted(format, arguments);
     va_end(arguments);
     (*handler)(line);
+}
+
+void VLSetLogHandler(std::function<void(std::string_view line)> handler) {
+    vorla::setLogHandler(std::move(handler));
 }

@@ -6,12 +6,12 @@
 #include <QImage>
 #include <memory>
 
+#include <vorla/VLCapture.h>
+#include <vorla/VLCaptureSetting.h>
 #include "NEX/NEX/OzuNexManager.h"
-#include "capture/VLCapture.h"
 #include "capture/VLCaptureManager.h"
 #include "platform/windowserver/MemoryWindowServer.h"
 #include "settings/StatisticDoor.h"
-#include "settings/VLCaptureSetting.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/OffscreenScreens.h"
 #include "tests/support/Pointer.h"
@@ -49,7 +49,7 @@ class Session : public testing::Test {
         // Started once for the process, the statistics would take the receiver's place later.
         OzuNexManager::defaultManager().startStat();
         vorla::setStatisticReceiver([this](int event) { events_.push_back(event); });
-        request_->delegate = host_;
+        request_->setDelegate(host_);
         VLCaptureSetting::sharedInstance().setPlaySound(false);
     }
     ~Session() override {

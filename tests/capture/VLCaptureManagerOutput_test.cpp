@@ -17,7 +17,7 @@ class Output : public Session {
         VLCaptureSetting::sharedInstance().setLastSavePath(folder_.path());
         VLCaptureSetting::sharedInstance().setFileType(VLBitmapFileTypePNG);
         VLCaptureSetting::sharedInstance().setHighResolution(true);
-        request_->needSelectSavePath = false;
+        request_->setNeedSelectSavePath(false);
     }
     /// A region of 30 x 20 points, saved.
     void save() {
@@ -89,7 +89,7 @@ TEST_F(Output, IsHandedOutOnlyWhenTheSessionIsOver) {
 }
 
 TEST_F(Output, NobodyNeedsToListen) {
-    request_->delegate.reset();
+    request_->setDelegate({});
     save();
     vorla::test::runPending();
     EXPECT_FALSE(std::filesystem::is_empty(folder_.path()));
@@ -102,7 +102,7 @@ TEST_F(Output, TheSavePanelOutlivesTheSession) {
                 return found;
         return static_cast<QFileDialog*>(nullptr);
     };
-    request_->needSelectSavePath = true;
+    request_->setNeedSelectSavePath(true);
     save();
     ASSERT_TRUE(waitUntil([&] { return dialog() != nullptr; }));
     dialog()->reject();

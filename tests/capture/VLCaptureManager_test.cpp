@@ -140,7 +140,7 @@ TEST_F(Session, TheHostMayCancelFromItsCallbacks) {
         }
     };
     const auto eager = std::make_shared<Eager>();
-    request_->delegate = eager;
+    request_->setDelegate(eager);
     start();
     pointer().key(Qt::Key_Escape);
     EXPECT_EQ(eager->cancelled, 1);

@@ -1,9 +1,9 @@
-#include "settings/VLCaptureSetting.h"
+#include <vorla/VLCaptureSetting.h>
 
 #include <gtest/gtest.h>
 
+#include <vorla/VLCaptureDefaultSetting.h>
 #include "platform/base/files.h"
-#include "settings/VLCaptureDefaultSetting.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace {

@@ -4,8 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <vorla/VLCaptureSetting.h>
 #include "platform/base/NotificationCenter.h"
-#include "settings/VLCaptureSetting.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/TestResources.h"
 

@@ -9,10 +9,10 @@
 #include <thread>
 #include <vector>
 
+#include <vorla/VLCaptureSetting.h>
 #include "NEX/NEX/VLNEXUtilities.h"
 #include "NEX/NEX/VLSTStatProtocol_Function.h"
 #include "platform/base/files.h"
-#include "settings/VLCaptureSetting.h"
 #include "settings/plist.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/LogRecorder.h"

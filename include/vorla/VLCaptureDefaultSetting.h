@@ -1,19 +1,24 @@
 #pragma once
 
-#include <cstdint>
-#include <mutex>
-#include <string>
+#include <vorla/export.h>
 
-#include "platform/base/export.h"
+#include <cstdint>
+#include <memory>
+#include <string>
 
 /// What the settings are when the user has chosen nothing. A host fills this in before its first
 /// capture to give its product defaults of its own.
 ///
-/// A value that is false, 0 or empty counts as not set, and its getter gives the built-in value: a
-/// host can therefore not make false, or TIFF, the default. Any thread.
+/// A value that is false, 0 or empty counts as not set, and its getter returns the built-in value:
+/// a host can therefore not make false, or TIFF, the default. Strings are UTF-8. Any thread.
 class VL_EXPORT VLCaptureDefaultSetting {
  public:
     static VLCaptureDefaultSetting& sharedInstance();
+
+    VLCaptureDefaultSetting();
+    ~VLCaptureDefaultSetting();
+    VLCaptureDefaultSetting(const VLCaptureDefaultSetting&) = delete;
+    VLCaptureDefaultSetting& operator=(const VLCaptureDefaultSetting&) = delete;
 
     /// Built in: true.
     [[nodiscard]] bool defaultValueOfPlaySound() const;
@@ -31,7 +36,7 @@ class VL_EXPORT VLCaptureDefaultSetting {
     [[nodiscard]] uint64_t defaultValueOfFileType() const;
     void setDefaultValueOfFileType(uint64_t value);
 
-    /// Built in: the user's desktop directory.
+    /// An absolute path. Built in: the user's desktop directory.
     [[nodiscard]] std::string defaultValueOfSavePath() const;
     void setDefaultValueOfSavePath(std::string value);
 
@@ -44,17 +49,6 @@ class VL_EXPORT VLCaptureDefaultSetting {
     void setDefaultValueOfChannel(std::string value);
 
  private:
-    template <typename T>
-    T valueOr(const T& field, T builtIn) const;
-    template <typename T>
-    void store(T& field, T value);
-
-    mutable std::mutex mutex_;
-    bool playSound_ = false;
-    bool resolution_ = false;
-    bool runAlone_ = false;
-    uint64_t fileType_ = 0;
-    std::string savePath_;
-    std::string fileNamePrefix_;
-    std::string channel_;
+    struct Values;
+    std::unique_ptr<Values> values_;
 };

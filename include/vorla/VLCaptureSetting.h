@@ -1,14 +1,16 @@
 #pragma once
 
+#include <vorla/export.h>
+
 #include <cstdint>
-#include <mutex>
-#include <optional>
+#include <memory>
 #include <string>
 #include <string_view>
 
-#include "platform/base/UserDefaults.h"
-
 class VLCaptureDefaultSetting;
+namespace vorla {
+class UserDefaults;
+}
 
 /// Keys under which the settings are stored. Never rename: users' choices lie under them.
 inline constexpr std::string_view VLCaptureSettingKeyPlaySound = "VLCaptureSettingKeyPlaySound";
@@ -33,15 +35,18 @@ enum VLBitmapFileType : uint64_t {
 /// The user's choices, kept in the per-user defaults at once when they are set.
 ///
 /// Reading a setting that is not stored stores its default, so the first read fixes it for this
-/// user: a host that changes `VLCaptureDefaultSetting` later changes nothing for him. Channel and
+/// user: a host that changes `VLCaptureDefaultSetting` later changes nothing for them. Channel and
 /// theme name are the exceptions, their defaults are never stored. A stored value of a kind that
 /// makes no sense for its setting reads as the default and is left alone. Any thread.
-class VLCaptureSetting {
+class VL_EXPORT VLCaptureSetting {
  public:
     static VLCaptureSetting& sharedInstance();
 
-    /// Settings in another store; both must outlive this object.
+    /// Settings in another store, for the framework's own use; both must outlive this object.
     VLCaptureSetting(vorla::UserDefaults& defaults, const VLCaptureDefaultSetting& fallbacks);
+    ~VLCaptureSetting();
+    VLCaptureSetting(const VLCaptureSetting&) = delete;
+    VLCaptureSetting& operator=(const VLCaptureSetting&) = delete;
 
     [[nodiscard]] bool isPlaySound();
     void setPlaySound(bool value);
@@ -50,7 +55,7 @@ class VLCaptureSetting {
     [[nodiscard]] bool isHighResolution();
     void setHighResolution(bool value);
 
-    /// A `VLBitmapFileType`; a stored number outside of it is given as it is.
+    /// A `VLBitmapFileType`; a stored number outside of it is returned as it is.
     [[nodiscard]] uint64_t fileType();
     void setFileType(uint64_t value);
 
@@ -83,12 +88,6 @@ class VLCaptureSetting {
     [[nodiscard]] std::string defaultValueOfThemeName() const;
 
  private:
-    void store(std::string_view key, vorla::UserDefaults::Value value);
-    bool readBool(std::string_view key, bool fallback);
-    std::string readString(std::string_view key, const std::string& fallback);
-
-    vorla::UserDefaults& defaults_;
-    const VLCaptureDefaultSetting& fallbacks_;
-    std::mutex prefixMutex_;
-    std::optional<std::string> fileNamePrefix_;
+    struct State;
+    std::unique_ptr<State> state_;
 };

@@ -1,6 +1,9 @@
 // A host that has nothing of the framework but what was installed. Run without a display.
-#include <capture/VLCapture.h>
-#include <settings/VLCaptureDefaultSetting.h>
+#include <vorla/VLCapture.h>
+#include <vorla/VLCaptureDefaultSetting.h>
+#include <vorla/VLCaptureSetting.h>
+#include <vorla/VLNotifications.h>
+#include <vorla/VLWindowOwners.h>
 
 #include <cstdio>
 #include <string>
@@ -11,7 +14,10 @@ int main() {
     VLCaptureDefaultSetting::sharedInstance().setDefaultValueOfFileNamePrefix("Consumer");
     VLPrepareCapture();
     const bool started = VLStartCapture(VLCaptureRequest::sharedInstance());
+    const bool named =
+        VLCaptureSetting::sharedInstance().fileNamePrefix() == "Consumer" && !VLIsCapturing();
     std::printf("%s %s %s\n", VorlaFrameworkVersionString, started ? "started" : "refused",
-                logged.empty() ? "silently" : "with a reason");
+                named && !logged.empty() ? "with a reason" : "silently");
+    VLSetLogHandler({});
     return 0;
 }

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <vorla/export.h>
+
+#include <string>
+#include <string_view>
+
+// Facts of the host's product, laid over the information dictionary `Info.json` of the resources.
+
+/// Chooses the theme: "4000", "3000", "1000" or "2000"; any other value the default theme.
+inline constexpr std::string_view VLInfoKeySupplyID = "SupplyID";
+/// HTTPS address without a path to which usage statistics go; absent: counted, never sent.
+inline constexpr std::string_view VLInfoKeyStatisticsURL = "StatisticsURL";
+/// HTTPS address without a path to which crash reports go; absent: written, never sent.
+inline constexpr std::string_view VLInfoKeyCrashSyncURL = "CrashSyncURL";
+/// The page that a click on the introduction opens.
+inline constexpr std::string_view VLInfoKeyIntroduceURL = "IntroduceURL";
+
+/// Lays a value (UTF-8) over the information dictionary for the life of the process. Call it before
+/// the first capture or service starts: what has been read already stays. Any thread.
+VL_EXPORT void VLSetInfoValue(std::string_view key, std::string value);
+
+/// The value of a key as text, numbers in decimal; empty when absent. Any thread.
+VL_EXPORT std::string VLInfoValue(std::string_view key);
