@@ -1,6 +1,7 @@
 #include "NEX/NEX/OzuNexEnvironment.h"
 
 #include "NEX/NEX/VLNEXUtilities.h"
+#include "NEX/NEX/VLStatisticManager.h"
 #include "platform/base/raii.h"
 
 namespace {
@@ -17,7 +18,7 @@ std::string madeUserAgent() {
 }  // namespace
 
 std::optional<std::string> OzuNexEnvironment::zGuid() {
-    return VLNEXUtilities::UUID();
+    return VLNEXUtilities::UUID(VLStatisticManager::statFolderPath());
 }
 
 std::string OzuNexEnvironment::zUA3() {

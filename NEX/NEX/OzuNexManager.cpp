@@ -4,7 +4,6 @@
 #include <system_error>
 
 #include "NEX/NEX/OzuStatAgent.h"
-#include "NEX/NEX/OzuStatService.h"
 #include "NEX/NEX/VLStatisticManager.h"
 #include "platform/base/VLLog.h"
 #include "settings/StatisticDoor.h"

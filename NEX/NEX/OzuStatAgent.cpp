@@ -1,15 +1,19 @@
 #include "NEX/NEX/OzuStatAgent.h"
 
 #include <exception>
+#include <semaphore>
 #include <string_view>
 #include <utility>
 
 #include "NEX/NEX+PAK/SerializationPAK/PakFailure.h"
 #include "NEX/NEX+PAK/SerializationPAK/ZenAttributeValues.h"
+#include "NEX/NEX/ExitGate.h"
 #include "NEX/common/CCCrypt/CryptData.h"
 #include "NEX/common/CCCrypt/utf8.h"
 #include "platform/base/Bundle.h"
+#include "platform/base/DispatchQueue.h"
 #include "platform/base/VLLog.h"
+#include "platform/base/raii.h"
 
 namespace {
 
@@ -60,4 +64,27 @@ void OzuStatAgent::stat(VLSTStat& record, std::function<void(bool)> withComplete
                    if (withCompleteHandle) withCompleteHandle(isAccepted(reply));
                    VLLog("completeBlock end");
                });
+}
+
+OzuStatService::OzuStatService() : NexService(OzuStatAgent::agent()) {}
+
+void OzuStatService::statWithCompleteBlock(std::function<void()> completeBlock,
+                                           std::function<void()> failedBlock) const {
+    static vorla::NoDestructor<vorla::DispatchQueue> queue("nex - stat queue");
+    vorla::ExitGate::shared().install();
+    queue->async([agent = std::static_pointer_cast<OzuStatAgent>(this->agent()),
+                  completeBlock = std::move(completeBlock), failedBlock = std::move(failedBlock)] {
+        const auto ended = std::make_shared<std::binary_semaphore>(0);
+        {
+            const vorla::ExitGate::Stay stay;
+            OzuHTTPSessionManager::prepareLibraries();
+            const auto record = VLSTStat::ozuhdInstance();
+            agent->stat(*record, [ended, completeBlock, failedBlock](bool accepted) {
+                ended->release();
+                const auto& block = accepted ? completeBlock : failedBlock;
+                if (block) block();
+            });
+        }
+        ended->acquire();
+    });
 }

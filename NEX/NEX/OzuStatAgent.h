@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "NEX/NEX+PAK/RMIModelNEX/NexAgent.h"
 #include "NEX/NEX/OzuNexAgent.h"
 #include "NEX/NEX/VLSTStat.h"
 
@@ -28,4 +29,16 @@ class OzuStatAgent : public OzuNexAgent {
     /// up rather than sent to a broken server for ever. One whose return code cannot be read counts
     /// as refused.
     void stat(VLSTStat& record, std::function<void(bool)> withCompleteHandle);
+};
+
+/// Uploads the statistics, one upload at a time, on a queue of its own that waits for each to end.
+class OzuStatService : public NexService {
+ public:
+    OzuStatService();
+
+    /// Queues an upload of the counters as they will stand when its turn comes. One of the two
+    /// blocks is called at its end, on a background thread. Throws std::system_error when the
+    /// queue's thread cannot be started.
+    void statWithCompleteBlock(std::function<void()> completeBlock,
+                               std::function<void()> failedBlock) const;
 };

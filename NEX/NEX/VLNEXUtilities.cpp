@@ -12,7 +12,6 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "NEX/NEX/VLStatisticManager.h"
 #include "NEX/common/CCCrypt/CryptData.h"
 #include "NEX/common/CCCrypt/evp.h"
 #include "platform/base/Bundle.h"
@@ -115,9 +114,8 @@ std::optional<std::string> vorla::threeNumbers(const std::string& text) {
     return result;
 }
 
-std::optional<std::string> VLNEXUtilities::UUID() {
-    return vorla::machineIdentity("/etc/machine-id",
-                                  VLStatisticManager::statFolderPath() + "/VorlaSDKMachine.id");
+std::optional<std::string> VLNEXUtilities::UUID(const std::string& keptInFolder) {
+    return vorla::machineIdentity("/etc/machine-id", keptInFolder + "/VorlaSDKMachine.id");
 }
 
 std::string VLNEXUtilities::version() {

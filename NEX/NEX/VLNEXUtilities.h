@@ -10,8 +10,8 @@ class VLNEXUtilities {
  public:
     /// Tells this machine from others, always the same text here: made from the system's machine
     /// identifier so that nobody can get back to that, or, where there is none, a random one that
-    /// is kept beside the counters. None when that cannot be kept either.
-    static std::optional<std::string> UUID();
+    /// is kept in the given folder. None when that cannot be kept either.
+    static std::optional<std::string> UUID(const std::string& keptInFolder);
 
     /// "CFBundleShortVersionString", or "1.0.0".
     static std::string version();

@@ -83,7 +83,7 @@ json VLStatisticManager::statInfo() {
     put(EnvironmentKeyRunAlone, setting.isRunAlone());
     put(EnvironmentKeyPlaySound, setting.isPlaySound());
     put(EnvironmentKeyHighResolution, setting.isHighResolution());
-    if (const auto machine = VLNEXUtilities::UUID()) put(EnvironmentKeyMachine, *machine);
+    if (const auto machine = VLNEXUtilities::UUID(folder_)) put(EnvironmentKeyMachine, *machine);
     put(EnvironmentKeyVersion, VLNEXUtilities::formattedVersion());
     put(EnvironmentKeyChannel, setting.channel());
     return info;

@@ -29,7 +29,9 @@ std::shared_ptr<const LogHandler> currentHandler() {
     return state().handler;
 }
 
-std::string formatted(const char* format, va_list arguments) {
+}  // namespace
+
+std::string formattedLine(const char* format, va_list arguments) {
     va_list again;
     va_copy(again, arguments);
     const int length = std::vsnprintf(nullptr, 0, format, again);
@@ -41,12 +43,20 @@ std::string formatted(const char* format, va_list arguments) {
     return line;
 }
 
-}  // namespace
-
 void setLogHandler(LogHandler handler) {
     auto shared = handler ? std::make_shared<const LogHandler>(std::move(handler)) : nullptr;
     const std::lock_guard lock(state().mutex);
     state().handler = std::move(shared);
+}
+
+void logLine(std::string_view line, bool onStandardError) {
+    if (const auto handler = currentHandler()) {
+        (*handler)(line);
+        return;
+    }
+    const int length = static_cast<int>(line.size());
+    ::syslog(LOG_USER | LOG_INFO, "%.*s", length, line.data());
+    if (onStandardError) std::fprintf(stderr, "%.*s\n", length, line.data());
 }
 
 }  // namespace vorla
@@ -54,14 +64,9 @@ void setLogHandler(LogHandler handler) {
 void VLLog(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    const std::string line = vorla::formatted(format, arguments);
+    const std::string line = vorla::formattedLine(format, arguments);
     va_end(arguments);
-    if (const auto handler = vorla::currentHandler()) {
-        (*handler)(line);
-        return;
-    }
-    ::syslog(LOG_USER | LOG_INFO, "%s", line.c_str());
-    std::fprintf(stderr, "%s\n", line.c_str());
+    vorla::logLine(line, true);
 }
 
 void VLLogTrace(const char* format, ...) {
@@ -69,7 +74,7 @@ void VLLogTrace(const char* format, ...) {
     if (!handler) return;
     va_list arguments;
     va_start(arguments, format);
-    const std::string line = vorla::formatted(format, arguments);
+    const std::string line = vorla::formattedLine(format, arguments);
     va_end(arguments);
     (*handler)(line);
 }

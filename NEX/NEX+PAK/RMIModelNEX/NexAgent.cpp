@@ -87,3 +87,10 @@ std::shared_ptr<ZenPacket> NexAgent::handleResponseData(
     VLLog("NEX Response Data Invalid");
     return nullptr;
 }
+
+std::shared_ptr<NexService> NexService::service() {
+    vorla::pakFail("a service needs an agent");
+}
+
+NexService::NexService(std::shared_ptr<NexAgent> initWithAgent)
+    : agent_(std::move(initWithAgent)) {}

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "NEX/common/CCCrypt/evp.h"
 #include "NEX/common/CCCrypt/utf8.h"
 #include "platform/base/VLLog.h"
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "NEX/common/CCCrypt/CCOperation.h"
+#include "NEX/common/CCCrypt/evp.h"
 
 /// Operations on byte strings. All are pure functions, safe on any thread; texts are UTF-8.
 ///

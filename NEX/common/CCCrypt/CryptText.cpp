@@ -1,7 +1,6 @@
 #include "NEX/common/CCCrypt/CryptText.h"
 
 #include "NEX/common/CCCrypt/CryptData.h"
-#include "NEX/common/CCCrypt/evp.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "NEX/common/CCCrypt/CCOperation.h"
+#include "NEX/common/CCCrypt/evp.h"
 
 /// Operations on UTF-8 texts. All are pure functions, safe on any thread. Digests take the text's
 /// bytes up to the first zero byte.

@@ -5,7 +5,11 @@
 #include <span>
 #include <vector>
 
-#include "NEX/common/CCCrypt/CCOperation.h"
+/// The direction of a cipher.
+enum CCOperation : uint32_t {
+    CCOperationEncrypt = 0,
+    CCOperationDecrypt = 1,
+};
 
 namespace vorla {
 

@@ -4,7 +4,6 @@
 
 #include <random>
 
-#include "NEX/NEX+PAK/RMIModelNEX/NexService.h"
 #include "NEX/NEX+PAK/SerializationPAK/PakFailure.h"
 #include "NEX/NEX+PAK/SerializationPAK/ZenAttributeValues.h"
 #include "tests/support/LogRecorder.h"

@@ -8,6 +8,7 @@
 #include <cstdio>
 
 #include "NEX/NEX/VLNEXUtilities.h"
+#include "NEX/NEX/VLStatisticManager.h"
 #include "platform/base/files.h"
 #include "settings/plist.h"
 #include "tests/support/ScopedEnvironment.h"
@@ -78,18 +79,19 @@ TEST_F(Upload, EveryLayerOfWhatGoesOverTheWire) {
     EXPECT_EQ(packet["encrypted_bytes"], plain + 8 - plain % 8);
     EXPECT_EQ(packet["record_tags"], json({0, 21}));
 
-    const json machine = {{"sGuid", VLNEXUtilities::UUID().value()},
-                          {"sTGuid", ""},
-                          {"iClientVersion", VLNEXUtilities::clientVersion()},
-                          {"sUin", ""},
-                          {"iSupplyID", 0},
-                          {"iUniOperCode", 0},
-                          {"sOsVersion", VLNEXUtilities::operatingSystemVersion()},
-                          {"iOsLanguage", 1},
-                          {"iOsDigit", 64},
-                          {"sKernelVersion", ""},
-                          {"sGJGuid", ""},
-                          {"sReserved", ""}};
+    const json machine = {
+        {"sGuid", VLNEXUtilities::UUID(VLStatisticManager::statFolderPath()).value()},
+        {"sTGuid", ""},
+        {"iClientVersion", VLNEXUtilities::clientVersion()},
+        {"sUin", ""},
+        {"iSupplyID", 0},
+        {"iUniOperCode", 0},
+        {"sOsVersion", VLNEXUtilities::operatingSystemVersion()},
+        {"iOsLanguage", 1},
+        {"iOsDigit", 64},
+        {"sKernelVersion", ""},
+        {"sGJGuid", ""},
+        {"sReserved", ""}};
     EXPECT_EQ(request["record"]["machine"], machine);
     const json counters = {{"1001", 3},
                            {"1002", "text"},

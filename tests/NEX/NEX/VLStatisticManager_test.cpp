@@ -11,7 +11,7 @@
 
 #include <vorla/VLCaptureSetting.h>
 #include "NEX/NEX/VLNEXUtilities.h"
-#include "NEX/NEX/VLSTStatProtocol_Function.h"
+#include "NEX/NEX/VLSTStat.h"
 #include "platform/base/files.h"
 #include "settings/plist.h"
 #include "tests/support/ChildProcess.h"
@@ -231,13 +231,14 @@ TEST_F(Statistics, FactsAreAddedForAnUploadAndNeverStored) {
     manager.statisticEvent(1001);
     const json info = manager.statInfo();
     VLCaptureSetting& setting = VLCaptureSetting::sharedInstance();
-    const json expected = {{"1001", 1},
-                           {"1018", setting.isRunAlone()},
-                           {"1019", setting.isPlaySound()},
-                           {"1020", setting.isHighResolution()},
-                           {"1021", VLNEXUtilities::UUID().value()},
-                           {"1022", VLNEXUtilities::formattedVersion()},
-                           {"1023", setting.channel()}};
+    const json expected = {
+        {"1001", 1},
+        {"1018", setting.isRunAlone()},
+        {"1019", setting.isPlaySound()},
+        {"1020", setting.isHighResolution()},
+        {"1021", VLNEXUtilities::UUID(VLStatisticManager::statFolderPath()).value()},
+        {"1022", VLNEXUtilities::formattedVersion()},
+        {"1023", setting.channel()}};
     EXPECT_EQ(info, expected);
     EXPECT_EQ(onDisk(), json({{"1001", 1}}));
 }

@@ -7,8 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "NEX/NEX+PAK/SerializationPAK/compact/BufferReader.h"
-#include "NEX/NEX+PAK/SerializationPAK/compact/DataHead.h"
+#include "NEX/NEX+PAK/SerializationPAK/compact/PakBuffer.h"
 #include "NEX/NEX+PAK/SerializationPAK/compact/PakOutputStream.h"
 
 namespace analyticspak {

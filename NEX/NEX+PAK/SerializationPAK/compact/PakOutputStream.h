@@ -7,8 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "NEX/NEX+PAK/SerializationPAK/compact/BufferWriter.h"
-#include "NEX/NEX+PAK/SerializationPAK/compact/DataHead.h"
+#include "NEX/NEX+PAK/SerializationPAK/compact/PakBuffer.h"
 
 namespace analyticspak {
 

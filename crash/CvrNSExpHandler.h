@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/base/raii.h"
+
+/// Notes what is known of an exception that nobody catches. It writes no report: the abort that
+/// follows does. Any thread.
+class CvrNSExpHandler {
+ public:
+    static CvrNSExpHandler& sharedInstance();
+
+    CvrNSExpHandler(const CvrNSExpHandler&) = delete;
+    CvrNSExpHandler& operator=(const CvrNSExpHandler&) = delete;
+
+    /// Whether `install` does anything; true at first.
+    void enableHandler(bool enable);
+    /// Whether an uncaught exception first takes the signal handlers' place back; returns `enable`.
+    bool enableSignalHandlerCheck(bool enable);
+    [[nodiscard]] bool isSignalHandlerCheckEnable() const;
+
+    void install();
+    void uninstall();
+    /// Whether the terminate handler is ours.
+    bool checkHandler();
+
+ private:
+    CvrNSExpHandler() = default;
+    template <typename T>
+    friend class vorla::NoDestructor;
+};
