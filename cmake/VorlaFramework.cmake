@@ -1,8 +1,8 @@
 # The two shared libraries on top of all folders, and how they are installed and found.
 include(CMakePackageConfigHelpers)
 
-# vorla_add_framework(name MAP ARCHIVES...): a shared library of whole archives, exporting what the
-# version script says.
+# vorla_add_framework(name MAP FOLDERS...): a shared library of all objects of the folders, exporting
+# what the version script says. What the folders stand on is linked by the caller.
 function(vorla_add_framework name map)
   add_library(${name} SHARED ${PROJECT_SOURCE_DIR}/cmake/framework.cpp)
   vorla_configure_target(${name})
@@ -13,9 +13,9 @@ function(vorla_add_framework name map)
   target_link_options(${name} PRIVATE -Wl,-z,nodelete -Wl,--as-needed
     -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/${map})
   set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/${map})
-  list(JOIN ARGN "," archives)
-  set_target_properties(${name} PROPERTIES LINK_LIBRARY_OVERRIDE "WHOLE_ARCHIVE,${archives}")
-  target_link_libraries(${name} PRIVATE ${ARGN})
+  foreach(folder IN LISTS ARGN)
+    target_sources(${name} PRIVATE $<TARGET_OBJECTS:${folder}>)
+  endforeach()
   target_include_directories(${name} INTERFACE
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
   target_compile_features(${name} INTERFACE cxx_std_20)
@@ -25,6 +25,7 @@ endfunction()
 # Statistics, RPC and encoding: no toolkit.
 get_property(services GLOBAL PROPERTY VORLA_SERVICES)
 vorla_add_framework(VorlaServices services.map ${services})
+target_link_libraries(VorlaServices PRIVATE ${services})
 set_target_properties(VorlaServices PROPERTIES EXPORT_NAME Services)
 add_library(Vorla::Services ALIAS VorlaServices)
 
@@ -32,7 +33,7 @@ add_library(Vorla::Services ALIAS VorlaServices)
 # satisfies every reference, and nothing of their archives is linked a second time.
 vorla_add_framework(Vorla capture.map vorla_capture)
 set_target_properties(Vorla PROPERTIES EXPORT_NAME Capture)
-target_link_libraries(Vorla PUBLIC VorlaServices)
+target_link_libraries(Vorla PUBLIC VorlaServices PRIVATE vorla_capture)
 add_library(Vorla::Capture ALIAS Vorla)
 add_dependencies(Vorla vorla_resources)
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <vorla/VLCaptureDefaultSetting.h>
+#include "platform/base/UserDefaults.h"
 #include "platform/base/files.h"
 #include "tests/support/TemporaryFolder.h"
 
