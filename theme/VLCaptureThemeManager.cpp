@@ -155,7 +155,7 @@ const json& VLCaptureThemeManager::configuration() const {
         *parsed_ = {path, facts.st_ino, facts.st_size, facts.st_mtim,
                     json::parse(vorla::readFile(path).value_or(""), nullptr, false)};
         if (!parsed_->value.is_object()) {
-            VLLog("the theme file %s is not a JSON object: its look is missing", path.c_str());
+            VLLogError("the theme file %s is not a JSON object: its look is missing", path.c_str());
             parsed_->value = json::object();
         }
     }
