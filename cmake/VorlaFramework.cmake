@@ -14,7 +14,6 @@ target_link_libraries(Vorla PRIVATE "$<LINK_LIBRARY:WHOLE_ARCHIVE,vorla_capture>
 target_include_directories(Vorla INTERFACE
   $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/Vorla>)
 target_compile_features(Vorla INTERFACE cxx_std_20)
-add_dependencies(Vorla vorla_resources)
 
 install(TARGETS Vorla EXPORT VorlaTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 foreach(header
