@@ -69,7 +69,7 @@ bool VLCaptureManager::startCaptureByRequest(const std::shared_ptr<VLCaptureRequ
     }
     const auto server = WindowServer::shared();
     if (!request || !server || !vorla::ensureApplication()) {
-        VLLog("<VLCaptureManager> %s - there is nothing to capture from", __func__);
+        VLLogError("<VLCaptureManager> %s - there is nothing to capture from", __func__);
         return false;
     }
     VLLog("<VLCaptureManager> %s - 开始截图", __func__);

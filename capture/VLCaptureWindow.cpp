@@ -117,14 +117,14 @@ void VLCaptureWindow::cancel() {
     if (const auto delegate = windowDelegate_.lock()) delegate->captureDidCancel();
 }
 
-bool VLCaptureWindow::performKeyEquivalent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape) {
+bool VLCaptureWindow::performKeyEquivalent(QKeyEvent& event) {
+    if (event.key() == Qt::Key_Escape) {
         VLLog("<VLCaptureWindow> %s - Esc", __func__);
         vorla::fireStatisticEvent(eventEsc);
         cancel();
         return true;
     }
-    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const bool isReturn = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
     if (isReturn && responseToReturn_) {
         VLLog("<VLCaptureWindow> %s - Return", __func__);
         vorla::fireStatisticEvent(eventReturn);

@@ -37,7 +37,7 @@ class VLCaptureWindow : public VLPanel {
 
  protected:
     void dispose() override;
-    bool performKeyEquivalent(QKeyEvent* event) override;
+    bool performKeyEquivalent(QKeyEvent& event) override;
     void mouseDown(const VLMouseEvent& event) override;
     void rightMouseDown(const VLMouseEvent& event) override;
     void closeRequested() override;

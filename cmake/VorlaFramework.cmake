@@ -9,8 +9,10 @@ function(vorla_add_framework name map)
   set_target_properties(${name} PROPERTIES
     VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
     INSTALL_RPATH "$ORIGIN")
-  # Threads of ours may still be at work when a host closes the library: it stays loaded.
-  target_link_options(${name} PRIVATE -Wl,-z,nodelete -Wl,--as-needed
+  # Threads of ours may still be at work when a host closes the library: it stays loaded. Names are
+  # bound at loading: a crash handler must not enter the loader.
+  target_link_options(${name} PRIVATE -Wl,-z,nodelete -Wl,-z,now -Wl,-Bsymbolic-functions
+    -Wl,--as-needed
     -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/${map})
   set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/${map})
   foreach(folder IN LISTS ARGN)
@@ -35,7 +37,6 @@ vorla_add_framework(Vorla capture.map vorla_capture)
 set_target_properties(Vorla PROPERTIES EXPORT_NAME Capture)
 target_link_libraries(Vorla PUBLIC VorlaServices PRIVATE vorla_capture)
 add_library(Vorla::Capture ALIAS Vorla)
-add_dependencies(Vorla vorla_resources)
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/vorla DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(EXPORT VorlaTargets NAMESPACE Vorla:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Vorla)

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "crash/CvrLog.h"
 #include "crash/handler/SessionState.h"
 #include "platform/base/raii.h"
 
@@ -60,10 +61,18 @@ void CvrCrashData::setSdkScene(uint64_t scene) {
 }
 
 void CvrCrashData::addSceneValue(const std::string& value, const std::string& forKey) {
-    if (characters(forKey) > kLongestSceneKey || characters(value) > kLongestSceneValue) return;
+    if (characters(forKey) > kLongestSceneKey || characters(value) > kLongestSceneValue) {
+        CvrLogWarn("<WARN> CVR: string out of limit length for [%s: %s@]", forKey.c_str(),
+                   value.c_str());
+        return;
+    }
     if (!isSceneKey(forKey)) return;
     const std::lock_guard lock(mutex_);
-    if (sceneData_.size() >= kMostScenes) return;
+    if (sceneData_.size() >= kMostScenes) {
+        CvrLogWarn("<WARN> CVR: scene key-value data size[%zu] out of limit count [15]",
+                   sceneData_.size());
+        return;
+    }
     sceneData_["C03_" + forKey] = value;
     sessionState().sceneData.publish(sceneData_);
 }

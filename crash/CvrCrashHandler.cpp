@@ -1,5 +1,7 @@
 #include "crash/CvrCrashHandler.h"
 
+#include "crash/CvrNSExpHandler.h"
+#include "crash/CvrSigHandler.h"
 #include "crash/handler/SessionState.h"
 
 void (*exp_call_back_func)() = nullptr;
@@ -30,6 +32,25 @@ CvrCrashHandler& CvrCrashHandler::sharedInstance() {
 void CvrCrashHandler::prepare(const CvrPreparedCrash& state) {
     const std::lock_guard lock(mutex_);
     sessionState().prepared.publish(state);
+}
+
+void CvrCrashHandler::installHandler() {
+    CvrSigHandler::sharedInstance().install();
+    CvrNSExpHandler::sharedInstance().install();
+}
+
+void CvrCrashHandler::uninstallHandler() {
+    CvrNSExpHandler::sharedInstance().uninstall();
+    CvrSigHandler::sharedInstance().uninstall();
+}
+
+void CvrCrashHandler::registCrashListerner(CvrCrashListener* listener) {
+    const std::lock_guard lock(mutex_);
+    for (auto& place : sessionState().listeners) {
+        if (place) continue;
+        place = listener;
+        return;
+    }
 }
 
 void CvrCrashHandler::setExpMergeUpload(bool merge) {

@@ -56,7 +56,7 @@ class CvrArchivedObject : public CvrLocalObject {
         return data;
     }
     bool decode(std::string_view data) override {
-        auto record = vorla::recordFromData<Self>(vorla::asBytes(data));
+        auto record = vorla::valueFromData<Self>(vorla::asBytes(data));
         if (!record) return false;
         static_cast<Self&>(*this) = std::move(*record);
         encLen = static_cast<int64_t>(data.size());

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+
 #include "platform/base/raii.h"
 
 /// Notes what is known of an exception that nobody catches. It writes no report: the abort that
@@ -26,4 +28,14 @@ class CvrNSExpHandler {
     CvrNSExpHandler() = default;
     template <typename T>
     friend class vorla::NoDestructor;
+
+    std::atomic<bool> handlerEnable_{true};
+    std::atomic<bool> signalHandlerResetable_{false};
 };
+
+namespace vorla::crash {
+
+/// Puts the earlier terminate handler back. May run after a fault.
+void removeTerminateHandler();
+
+}  // namespace vorla::crash

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <mutex>
+
 #include "platform/base/raii.h"
 
 /// Takes the fatal signals: SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGSEGV, SIGTRAP, SIGPIPE (unless the
@@ -32,4 +34,7 @@ class CvrSigHandler {
     CvrSigHandler() = default;
     template <typename T>
     friend class vorla::NoDestructor;
+
+    std::mutex mutex_;
+    bool handlerEnable_ = true;
 };

@@ -15,7 +15,7 @@ namespace vorla {
 namespace {
 
 bool fail(const char* reason) {
-    VLLog("writeToFile failed with error %s", reason);
+    VLLogError("writeToFile failed with error %s", reason);
     return false;
 }
 

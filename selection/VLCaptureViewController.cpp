@@ -34,7 +34,7 @@ class FrozenImageView : public VLView {
 std::shared_ptr<VLCaptureViewController> VLCaptureViewController::create(
     const VLRect& frame, const QImage& screenImage) {
     if (screenImage.isNull()) {
-        VLLog("%s 屏幕截图不能为空", __func__);
+        VLLogError("%s 屏幕截图不能为空", __func__);
         return nullptr;
     }
     std::shared_ptr<VLCaptureViewController> controller(
@@ -150,7 +150,7 @@ void VLCaptureViewController::captureDidFinish(const Notification& notification)
     if (!image.isNull() && delegate)
         delegate->captureDidFinishWithImage(image, needSave);
     else
-        VLLog("%s 截图出现错误 需要手动清除蒙板", __func__);
+        VLLogError("%s 截图出现错误 需要手动清除蒙板", __func__);
 }
 
 void VLCaptureViewController::prepareToRecord() {

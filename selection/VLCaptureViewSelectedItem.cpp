@@ -136,8 +136,8 @@ bool VLCaptureViewSelectedItem::mouseHitHorizontalResizeControlPoints(VLPoint po
 std::optional<VLControlPoint> VLCaptureViewSelectedItem::fixedPointOfControlPoint(
     const VLControlPoint& controlPoint) const {
     if (controlPoint.type >= fixedPointIndexes.size() || pointsArray_.empty()) {
-        VLLog("%s: no control point has type %llu", __func__,
-              static_cast<unsigned long long>(controlPoint.type));
+        VLLogError("%s: no control point has type %llu", __func__,
+                   static_cast<unsigned long long>(controlPoint.type));
         return std::nullopt;
     }
     return pointsArray_[fixedPointIndexes[controlPoint.type]];

@@ -40,7 +40,7 @@ std::error_code copyThroughNeighbour(const std::string& from, const std::string&
 
 bool CBaseFile::FileExist(const std::string& nsFilePath) {
     if (nsFilePath.empty()) {
-        VLLog("file exist error, nsFilePath nil");
+        VLLogError("file exist error, nsFilePath nil");
         return false;
     }
     struct stat facts = {};
@@ -51,8 +51,8 @@ bool CBaseFile::CreateFolder(const std::string& nsFolderPath) {
     if (FileExist(nsFolderPath) || nsFolderPath.size() < 2) return true;
     if (vorla::createDirectories(nsFolderPath, 0700)) return true;
     const std::error_code error = lastError();
-    VLLog("create file path:%s fail:%s domain=%s, code=%lx", nsFolderPath.c_str(),
-          error.message().c_str(), error.category().name(), codeOf(error));
+    VLLogError("create file path:%s fail:%s domain=%s, code=%lx", nsFolderPath.c_str(),
+               error.message().c_str(), error.category().name(), codeOf(error));
     return false;
 }
 
@@ -60,24 +60,25 @@ void CBaseFile::EnsureCreateParentDir(const std::string& nsFilePath) {
     if (nsFilePath.empty()) return;
     const std::string targetPathDir = fs::path(nsFilePath).parent_path().string();
     if (targetPathDir.empty()) {
-        VLLog("EnsureCreateParentDir failed. nsFilePath=%s", nsFilePath.c_str());
+        VLLogError("EnsureCreateParentDir failed. nsFilePath=%s", nsFilePath.c_str());
         return;
     }
     if (!CreateFolder(targetPathDir))
-        VLLog("EnsureCreateParentDir failed. targetPathDir=%s", targetPathDir.c_str());
+        VLLogError("EnsureCreateParentDir failed. targetPathDir=%s", targetPathDir.c_str());
 }
 
 bool CBaseFile::CopyFile(const std::string& nsOldPath, const std::string& To) {
     if (nsOldPath == To) {
-        VLLog("copy file failed. nsOldPath same as nsNewPath. nsOldPath=%s", nsOldPath.c_str());
+        VLLogError("copy file failed. nsOldPath same as nsNewPath. nsOldPath=%s",
+                   nsOldPath.c_str());
         return false;
     }
     EnsureCreateParentDir(To);
     const std::error_code error = copyThroughNeighbour(nsOldPath, To);
     if (!error) return true;
-    VLLog("copy file error, nsOldPath=%s, nsNewPath=%s, domain=%s, code=%lx, err=%s",
-          nsOldPath.c_str(), To.c_str(), error.category().name(), codeOf(error),
-          error.message().c_str());
+    VLLogError("copy file error, nsOldPath=%s, nsNewPath=%s, domain=%s, code=%lx, err=%s",
+               nsOldPath.c_str(), To.c_str(), error.category().name(), codeOf(error),
+               error.message().c_str());
     return false;
 }
 
@@ -86,7 +87,7 @@ bool CBaseFile::RemoveFile(const std::string& filePath) {
     std::error_code error;
     fs::remove(filePath, error);
     if (!error) return true;
-    VLLog("remove file failed. filePath=%s, domain=%s, code=%lx, err=%s", filePath.c_str(),
-          error.category().name(), codeOf(error), error.message().c_str());
+    VLLogError("remove file failed. filePath=%s, domain=%s, code=%lx, err=%s", filePath.c_str(),
+               error.category().name(), codeOf(error), error.message().c_str());
     return false;
 }

@@ -2,9 +2,9 @@
 
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <string_view>
+#include <utility>
 
 #include "platform/base/VLLog.h"
 #include "platform/base/files.h"
@@ -13,7 +13,7 @@ namespace {
 
 using nlohmann::json;
 
-constexpr uintmax_t largestFile = 16 * 1024 * 1024;
+constexpr size_t largestFile = 16 * 1024 * 1024;
 constexpr int deepestNesting = 64;
 
 /// Walks through an archive and refuses what is nested too deep: the library's reader calls itself
@@ -42,25 +42,24 @@ class DepthLimit : public nlohmann::json_sax<json> {
 
 }  // namespace
 
-std::optional<json> readFromPlistFile(const std::string& path) {
-    std::error_code error;
-    const auto size = std::filesystem::file_size(path, error);
-    if (!error && size > largestFile) {
-        VLLog("%s exception:%s is too large", __func__, path.c_str());
-        return std::nullopt;
-    }
-    const auto bytes = vorla::readFile(path);
-    if (!bytes) {
-        if (errno != ENOENT) VLLog("%s exception:%s", __func__, std::strerror(errno));
-        return std::nullopt;
-    }
+std::optional<json> dictionaryFromPlist(std::string_view bytes) {
     DepthLimit limit;
     json dictionary(json::value_t::discarded);
-    if (json::sax_parse(*bytes, &limit, json::input_format_t::cbor))
-        dictionary = json::from_cbor(*bytes, true, false);
-    if (dictionary.is_object()) return dictionary;
-    VLLog("%s exception:%s holds no dictionary", __func__, path.c_str());
-    return std::nullopt;
+    if (json::sax_parse(bytes, &limit, json::input_format_t::cbor))
+        dictionary = json::from_cbor(bytes, true, false);
+    return dictionary.is_object() ? std::optional(std::move(dictionary)) : std::nullopt;
+}
+
+std::optional<json> readFromPlistFile(const std::string& path) {
+    const auto bytes = vorla::readFile(path, {.largest = largestFile});
+    if (!bytes) {
+        if (errno != ENOENT)
+            VLLogError("%s exception:%s %s", __func__, path.c_str(), std::strerror(errno));
+        return std::nullopt;
+    }
+    auto dictionary = dictionaryFromPlist(*bytes);
+    if (!dictionary) VLLogError("%s exception:%s holds no dictionary", __func__, path.c_str());
+    return dictionary;
 }
 
 bool writeToPlistFile(const json& dictionary, const std::string& path, mode_t mode) {

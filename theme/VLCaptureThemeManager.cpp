@@ -1,12 +1,8 @@
 #include "theme/VLCaptureThemeManager.h"
 
-#include <sys/stat.h>
-
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QGuiApplication>
-#include <QPainter>
-#include <QSvgRenderer>
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
@@ -16,10 +12,16 @@
 #include "platform/base/Bundle.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/VLLog.h"
-#include "platform/base/files.h"
+#include "platform/base/raii.h"
 #include "theme/HexColor.h"
+#include "theme/ThemeFile.h"
 
 using nlohmann::json;
+
+// The macro works outside of any namespace only.
+static void addBuiltInTheme() {
+    Q_INIT_RESOURCE(vorla_theme);
+}
 
 namespace {
 
@@ -44,32 +46,18 @@ float fraction(double value) {
     return static_cast<float>(std::clamp(value, 0.0, 1.0));
 }
 
-/// The file of an image resource: the name as it stands, or with one of the known endings.
-std::string imageFile(const std::string& folder, const std::string& name) {
-    for (const char* ending : {"", ".svg", ".png"}) {
-        std::string path = folder + "/" + name + ending;
-        std::error_code error;
-        if (std::filesystem::is_regular_file(path, error)) return path;
-    }
-    return {};
+std::string themesPath() {
+    return vorla::Bundle::framework().resourcePath() + "/ThemeResources/";
 }
 
-/// Points a side; a drawing that claims more is broken and would only eat memory.
-constexpr int largestDrawing = 4096;
-
-QImage drawingFromFile(const std::string& path, double scale) {
-    QSvgRenderer drawing(QString::fromStdString(path));
-    if (!drawing.isValid() || drawing.defaultSize().isEmpty()) return {};
-    const QSizeF points = drawing.defaultSize();
-    if (points.width() > largestDrawing || points.height() > largestDrawing) return {};
-    QImage image((points * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    QPainter painter(&image);
-    drawing.render(&painter);
-    painter.end();
-    image.setDevicePixelRatio(scale);
-    return image;
+bool isFolder(const std::string& path) {
+    std::error_code error;
+    return std::filesystem::is_directory(path, error);
 }
+
+/// The default theme that is compiled in: without resources the screen would freeze with nothing
+/// drawn on it.
+constexpr const char* builtInTheme = ":/vorla/default";
 
 }  // namespace
 
@@ -83,29 +71,16 @@ QFont VLThemedFont::font() const {
     return font;
 }
 
-/// The parsed file together with what tells that it has changed since.
-struct VLCaptureThemeManager::ParsedFile {
-    std::string path;
-    ino_t inode = 0;
-    off_t size = -1;
-    timespec modified = {};
-    json value;
-
-    [[nodiscard]] bool isStillThat(const std::string& file, const struct stat& facts) const {
-        return path == file && inode == facts.st_ino && size == facts.st_size &&
-               modified.tv_sec == facts.st_mtim.tv_sec && modified.tv_nsec == facts.st_mtim.tv_nsec;
-    }
-};
-
-VLCaptureThemeManager::VLCaptureThemeManager() : parsed_(std::make_unique<ParsedFile>()) {
+VLCaptureThemeManager::VLCaptureThemeManager() {
+    addBuiltInTheme();
     setupCurrentTheme();
 }
 
 VLCaptureThemeManager::~VLCaptureThemeManager() = default;
 
 VLCaptureThemeManager& VLCaptureThemeManager::sharedInstance() {
-    static VLCaptureThemeManager instance;
-    return instance;
+    static vorla::NoDestructor<VLCaptureThemeManager> instance;
+    return *instance;
 }
 
 const std::vector<std::string>& VLCaptureThemeManager::nameArrayOfAvailableThemes() {
@@ -119,7 +94,7 @@ bool VLCaptureThemeManager::isVorlaTheme() const {
 }
 
 std::string VLCaptureThemeManager::themePathWithThemeName(const std::string& themeName) {
-    return vorla::Bundle::framework().resourcePath() + "/ThemeResources/" + themeName;
+    return themesPath() + themeName;
 }
 
 void VLCaptureThemeManager::setupCurrentTheme() {
@@ -128,15 +103,15 @@ void VLCaptureThemeManager::setupCurrentTheme() {
 }
 
 void VLCaptureThemeManager::resetTheme() {
-    changeThemeTo(themeOfSupplyID(vorla::Bundle::framework().infoString("SupplyID")));
+    const std::string supplyID = vorla::Bundle::framework().infoString("SupplyID");
+    if (!changeThemeTo(themeOfSupplyID(supplyID))) setupCurrentTheme();
 }
 
 bool VLCaptureThemeManager::changeThemeTo(const std::string& themeName) {
     VLLog("<VLCaptureThemeManager> %s themeName:%s", __func__, themeName.c_str());
     const auto& names = nameArrayOfAvailableThemes();
-    std::error_code error;
     if (std::ranges::find(names, themeName) == names.end() ||
-        !std::filesystem::is_directory(themePathWithThemeName(themeName), error))
+        !isFolder(themePathWithThemeName(themeName)))
         return false;
     // The store would write the same value again at every session's start.
     if (VLCaptureSetting::sharedInstance().themeName() != themeName)
@@ -146,27 +121,21 @@ bool VLCaptureThemeManager::changeThemeTo(const std::string& themeName) {
     return true;
 }
 
-const json& VLCaptureThemeManager::configuration() const {
-    const std::string path = themePath_ + "/themeConfigue.json";
-    struct stat facts = {};
-    static const json none = json::object();
-    if (::stat(path.c_str(), &facts) != 0) return none;
-    if (!parsed_->isStillThat(path, facts)) {
-        *parsed_ = {path, facts.st_ino, facts.st_size, facts.st_mtim,
-                    json::parse(vorla::readFile(path).value_or(""), nullptr, false)};
-        if (!parsed_->value.is_object()) {
-            VLLog("the theme file %s is not a JSON object: its look is missing", path.c_str());
-            parsed_->value = json::object();
-        }
-    }
-    return parsed_->value;
+const vorla::ThemeFile& VLCaptureThemeManager::file() const {
+    const bool found = isFolder(themePath_) || isFolder(themesPath());
+    const std::string folder = found ? themePath_ : builtInTheme;
+    if (file_ && file_->folder() == folder && file_->isCurrent()) return *file_;
+    file_ = std::make_unique<vorla::ThemeFile>(folder);
+    if (!found)
+        VLLogError(
+            "there are no themes in %s: drawing with the built-in one; VORLA_RESOURCES names "
+            "the folder of the resources",
+            themesPath().c_str());
+    return *file_;
 }
 
 json VLCaptureThemeManager::objectWithKey(const std::string& key) const {
-    if (key.empty()) return {};
-    const json& values = configuration();
-    const auto found = values.find(key);
-    return found == values.end() ? json() : *found;
+    return key.empty() ? json() : file().value(key);
 }
 
 QColor VLCaptureThemeManager::themedColorWithKey(const std::string& key) const {
@@ -192,11 +161,8 @@ std::optional<VLThemedFont> VLCaptureThemeManager::themedFontWithKey(const std::
 QImage VLCaptureThemeManager::themedImageWithKey(const std::string& key, double scale) const {
     const json value = objectWithKey(key);
     if (!value.is_string() || value.get_ref<const std::string&>().empty()) return {};
-    const std::string path = imageFile(themePath_, value.get<std::string>());
-    if (path.empty()) return {};
     if (scale <= 0.0) scale = qGuiApp ? qGuiApp->devicePixelRatio() : 1.0;
-    if (path.ends_with(".svg")) return drawingFromFile(path, scale);
-    return QImage(QString::fromStdString(path));
+    return file().picture(value.get<std::string>(), scale);
 }
 
 VLRect VLCaptureThemeManager::themedFrameWithKey(const std::string& key) const {

@@ -14,7 +14,13 @@
 
 #include "platform/base/geometry.h"
 
-/// A font as a theme tells it. The size is in points of the screen and may be 0.
+namespace vorla {
+class ThemeFile;
+template <typename T>
+class NoDestructor;
+}  // namespace vorla
+
+/// A font as a theme names it. The size is in points of the screen and may be 0.
 struct VLThemedFont {
     QString name;
     double size = 14.0;
@@ -25,8 +31,9 @@ struct VLThemedFont {
 /// Every colour, size, frame, font and image of the interface, by key from the current theme.
 ///
 /// A theme is a directory of the framework's resources with images and the file
-/// "themeConfigue.json". A lookup always answers from the file as it is now; what is missing or
-/// broken gives no colour, no image, zero, and the interface goes without. Main thread.
+/// "themeConfigue.json" (see ThemeFile). A lookup always answers from the file as it is now; what
+/// is missing or broken returns no colour, no image or zero, and the interface goes without.
+/// Where there are no themes at all, the default one that is compiled in answers. Main thread.
 class VLCaptureThemeManager {
  public:
     static VLCaptureThemeManager& sharedInstance();
@@ -39,15 +46,15 @@ class VLCaptureThemeManager {
     [[nodiscard]] static const std::vector<std::string>& nameArrayOfAvailableThemes();
     [[nodiscard]] bool isVorlaTheme() const;
 
-    /// Takes the theme of the host product's line, told by "SupplyID", whatever the setting says.
+    /// Takes the theme of the host product's line, named by "SupplyID", whatever the setting says.
     void resetTheme();
-    /// Stores the theme as the user's, and tells everyone. False, with nothing changed, for a name
-    /// that is not available or has no directory.
+    /// Stores the theme as the user's, and posts the change. False, with nothing changed, for a
+    /// name that is not available or has no directory.
     bool changeThemeTo(const std::string& themeName);
     void setupCurrentTheme();
     [[nodiscard]] static std::string themePathWithThemeName(const std::string& themeName);
 
-    /// The value as it stands in the file; null when there is none.
+    /// The value with its colours in place; null when there is none.
     [[nodiscard]] nlohmann::json objectWithKey(const std::string& key) const;
 
     /// An invalid colour when there is none: the drawing in question does not take place.
@@ -66,12 +73,13 @@ class VLCaptureThemeManager {
  private:
     VLCaptureThemeManager();
 
-    struct ParsedFile;
-    [[nodiscard]] const nlohmann::json& configuration() const;
+    template <typename T>
+    friend class vorla::NoDestructor;
+    [[nodiscard]] const vorla::ThemeFile& file() const;
 
     std::string themeName_;
     std::string themePath_;
-    std::unique_ptr<ParsedFile> parsed_;
+    mutable std::unique_ptr<vorla::ThemeFile> file_;
 };
 
 /// Images of the current theme by name.

@@ -18,7 +18,7 @@ uint32_t VLCaptureUtilities::displayIDofScreen(const vorla::Display& screen) {
 
 QImage VLCaptureUtilities::imageOfScreen(const vorla::Display& screen) {
     if (screen.displayID == 0 || screen.frame.isEmpty()) {
-        VLLog("%s: \"%s\" is no screen", __func__, screen.name.c_str());
+        VLLogError("%s: \"%s\" is no screen", __func__, screen.name.c_str());
         return {};
     }
     return imageOfDisplay(screen.displayID, {0.0, 0.0, screen.frame.width, screen.frame.height});

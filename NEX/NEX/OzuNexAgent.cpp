@@ -20,7 +20,7 @@ PakObjectPtr replyObject(const std::shared_ptr<ZenPacket>& reply, const std::str
         const vorla::PakFailuresRaise untrusted;
         return reply->getObjectAttr(name, expected);
     } catch (const std::exception& failure) {
-        VLLog("reply holds no %s: %s", expected.name(), failure.what());
+        VLLogError("reply holds no %s: %s", expected.name(), failure.what());
         return nullptr;
     }
 }
@@ -131,6 +131,9 @@ void OzuNexAgent::requestEnded(const std::weak_ptr<NexAgent>& weakAgent,
                                const vorla::HTTPResult& result) {
     const auto agent = std::static_pointer_cast<OzuNexAgent>(weakAgent.lock());
     if (agent) agent->noteEnd(result.body ? info->serverURLs : std::vector<std::string>());
+    if (!result.error.empty())
+        VLLogError("%s: %s: %s", info->funcName.c_str(), info->serverURLs.front().c_str(),
+                   result.error.c_str());
     std::shared_ptr<ZenPacket> reply;
     if (result.body) {
         if (agent)

@@ -41,6 +41,6 @@ void OzuNexManager::startStat() {
         const OzuStatService service;
         service.statWithCompleteBlock(&resetCounters, [] { VLLog("stat failed!"); });
     } catch (const std::system_error& failure) {
-        VLLog("statistics cannot be sent: %s", failure.what());
+        VLLogError("statistics cannot be sent: %s", failure.what());
     }
 }

@@ -28,9 +28,11 @@ bool isAccepted(const std::shared_ptr<ZenPacket>& reply) {
     if (!reply) return true;
     try {
         const vorla::PakFailuresRaise untrusted;
-        return ZenAttributeValues::intValueWithName("", reply->attributes()) == 0;
+        const int32_t code = ZenAttributeValues::intValueWithName("", reply->attributes());
+        if (code != 0) VLLogError("stat: the server refuses the counters with code %d", code);
+        return code == 0;
     } catch (const std::exception& failure) {
-        VLLog("return code cannot be read: %s", failure.what());
+        VLLogError("return code cannot be read: %s", failure.what());
         return false;
     }
 }
@@ -52,7 +54,7 @@ void OzuStatAgent::stat(VLSTStat& record, std::function<void(bool)> withComplete
     const auto packet = ZenPacket::packet();
     const auto crypt = encrypted(record);
     if (!crypt) {
-        VLLog("statistics cannot be encrypted");
+        VLLogError("statistics cannot be encrypted");
         if (withCompleteHandle) withCompleteHandle(false);
         return;
     }

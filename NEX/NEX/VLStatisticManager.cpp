@@ -2,12 +2,15 @@
 
 #include <pthread.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <utility>
 
 #include <vorla/VLCaptureSetting.h>
 #include "NEX/NEX/VLNEXUtilities.h"
 #include "platform/base/Bundle.h"
+#include "platform/base/VLLog.h"
 #include "platform/base/files.h"
 #include "platform/base/raii.h"
 #include "settings/CBaseFile.h"
@@ -29,7 +32,23 @@ enum EnvironmentKey : uint64_t {
     EnvironmentKeyChannel = 1023,
 };
 
+/// Far above what the counters of all events take.
+constexpr size_t largestFile = 256 * 1024;
+
 }  // namespace
+
+/// The counters, locked and as far as possible loaded. What is logged meanwhile is held back until
+/// they are free again.
+class VLStatisticManager::Access {
+ public:
+    explicit Access(VLStatisticManager& manager) : lock_(manager.mutex_) {
+        if (!manager.loaded_) manager.load();
+    }
+
+ private:
+    const vorla::LogHold hold_;
+    const std::lock_guard<std::mutex> lock_;
+};
 
 VLStatisticManager& VLStatisticManager::defaultStatisticManager() {
     static vorla::NoDestructor<VLStatisticManager> instance(
@@ -40,9 +59,7 @@ VLStatisticManager& VLStatisticManager::defaultStatisticManager() {
 }
 
 VLStatisticManager::VLStatisticManager(std::string folder, std::string oldPath)
-    : folder_(std::move(folder)), oldPath_(std::move(oldPath)) {
-    updateStatInfo();
-}
+    : folder_(std::move(folder)), oldPath_(std::move(oldPath)) {}
 
 // A child that is forked while a thread counts would find the lock taken for ever.
 void VLStatisticManager::guardForks() {
@@ -53,7 +70,7 @@ void VLStatisticManager::guardForks() {
 
 void VLStatisticManager::statisticEvent(uint64_t event) {
     const std::string key = std::to_string(event);
-    const std::lock_guard lock(mutex_);
+    const Access access(*this);
     const auto found = statInfoDic_.find(key);
     const auto count = found == statInfoDic_.end() ? 0 : unsignedIntegerValue(*found);
     if (count) statInfoDic_[key] = *count + 1;
@@ -62,7 +79,7 @@ void VLStatisticManager::statisticEvent(uint64_t event) {
 
 void VLStatisticManager::statisticEvent(uint64_t event, const std::optional<json>& withValue) {
     const std::string key = std::to_string(event);
-    const std::lock_guard lock(mutex_);
+    const Access access(*this);
     if (withValue)
         statInfoDic_[key] = *withValue;
     else
@@ -73,7 +90,7 @@ void VLStatisticManager::statisticEvent(uint64_t event, const std::optional<json
 json VLStatisticManager::statInfo() {
     json info;
     {
-        const std::lock_guard lock(mutex_);
+        const Access access(*this);
         info = statInfoDic_;
     }
     VLCaptureSetting& setting = VLCaptureSetting::sharedInstance();
@@ -99,13 +116,13 @@ std::optional<uint64_t> VLStatisticManager::unsignedIntegerValue(const json& val
 }
 
 void VLStatisticManager::resetStatistic() {
-    const std::lock_guard lock(mutex_);
+    const Access access(*this);
     clearLocked();
     updateLocked();
 }
 
 void VLStatisticManager::clearStatInfo() {
-    const std::lock_guard lock(mutex_);
+    const Access access(*this);
     clearLocked();
 }
 
@@ -114,29 +131,60 @@ void VLStatisticManager::clearLocked() {
 }
 
 void VLStatisticManager::updateStatInfo() {
-    const std::lock_guard lock(mutex_);
+    const Access access(*this);
     updateLocked();
 }
 
 void VLStatisticManager::updateLocked() {
+    statInfoDic_ = json::object();
+    loaded_ = false;
+    load();
+}
+
+bool VLStatisticManager::load() {
     const std::string& path = statFilePathLocked();
-    auto stored = readFromPlistFile(path);
-    if (!stored && CBaseFile::FileExist(path))
+    vorla::removeStaleTemporaries(path);
+    const auto bytes = vorla::readFile(path, {.largest = largestFile, .followLink = false});
+    const int reason = bytes ? 0 : errno;
+    auto stored = bytes ? dictionaryFromPlist(*bytes) : std::nullopt;
+    if (stored) {
+        addStored(std::move(*stored));
+    } else if (bytes || reason == EFBIG) {
+        VLLogError("%s holds no counters and is put aside", path.c_str());
         std::rename(path.c_str(), (path + ".broken").c_str());
-    statInfoDic_ = stored ? std::move(*stored) : json::object();
+    } else if (reason != ENOENT && reason != ENOTDIR && reason != ELOOP && reason != EINVAL) {
+        if (!std::exchange(loggedUnreadable_, true))
+            VLLogError("%s cannot be read: %s", path.c_str(), std::strerror(reason));
+        return false;
+    }
+    return loaded_ = true;
+}
+
+void VLStatisticManager::addStored(json stored) {
+    for (const auto& [key, value] : statInfoDic_.items()) {
+        const auto before = stored.find(key);
+        const auto earlier = before == stored.end() ? std::nullopt : unsignedIntegerValue(*before);
+        const auto since = unsignedIntegerValue(value);
+        stored[key] = earlier && since ? json(*earlier + *since) : value;
+    }
+    statInfoDic_ = std::move(stored);
 }
 
 void VLStatisticManager::synchronizeStatInfo() {
-    const std::lock_guard lock(mutex_);
+    const Access access(*this);
     synchronizeLocked();
 }
 
 void VLStatisticManager::synchronizeLocked() {
-    writeToPlistFile(statInfoDic_, statFilePathLocked(), 0600);
+    // The file holds more than is known here: it is written when it has been read.
+    if (!loaded_) return;
+    const std::string& path = statFilePathLocked();
+    if (writeToPlistFile(statInfoDic_, path, 0600) || errno != ENOENT) return;
+    if (CBaseFile::CreateFolder(folder_)) writeToPlistFile(statInfoDic_, path, 0600);
 }
 
 std::string VLStatisticManager::statFilePath() {
-    const std::lock_guard lock(mutex_);
+    const Access access(*this);
     return statFilePathLocked();
 }
 

@@ -11,10 +11,14 @@
 /// way.
 ///
 /// The file is a dictionary from the event's number in decimal to how often it came; a reader finds
-/// the state before or after an event, never something between. A file that cannot be written costs
-/// nothing but its existence; one that cannot be understood is put aside with ".broken" added to
-/// its name. Of two processes of one host, the one that writes last wins. Any thread; a forked
-/// child may use it too.
+/// the state before or after an event, never something between. It is read at the first use. One
+/// that was read and is no such dictionary, or is larger than counters ever are, is put aside with
+/// ".broken" added to its name. One that cannot be read just now (no rights, no descriptors left)
+/// is left alone: counting goes on in memory and is added to it once it can be read. A file that
+/// cannot be written costs nothing but its existence, a folder that no longer exists is made again.
+/// Of two processes of one host, the one that writes last wins.
+///
+/// Any thread; a forked child may use it too. Nothing is logged while the counters are locked.
 class VLStatisticManager {
  public:
     static VLStatisticManager& defaultStatisticManager();
@@ -53,11 +57,14 @@ class VLStatisticManager {
     static std::string statFolderPath();
 
  private:
-    // The operations of the same names, for a caller that holds the lock.
+    class Access;
+    // For a caller that holds the lock.
     void synchronizeLocked();
     void updateLocked();
     void clearLocked();
     const std::string& statFilePathLocked();
+    bool load();
+    void addStored(nlohmann::json stored);
     void moveOldFile(const std::string& newPath) const;
     static void guardForks();
 
@@ -65,5 +72,8 @@ class VLStatisticManager {
     const std::string oldPath_;
     std::mutex mutex_;
     nlohmann::json statInfoDic_ = nlohmann::json::object();
+    /// Whether `statInfoDic_` holds what the file held; until then only what was counted since.
+    bool loaded_ = false;
+    bool loggedUnreadable_ = false;
     std::string statFilePath_;
 };

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <concepts>
-#include <cstring>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include "crash/archive/ArchiveReader.h"
@@ -21,8 +21,8 @@ namespace vorla {
 ///         visit("fileName", self.fileName);
 ///     }
 ///
-/// Fields may be integers, booleans, strings, byte strings, optional values, records, lists of
-/// those, and maps from string to string.
+/// Fields may be integers, booleans, strings, byte strings, optional values, records, and lists and
+/// maps (from string) of those.
 template <typename T>
 concept ArchivedRecord = requires(T& record) {
     T::eachField(record, [](const char*, auto&) {});
@@ -63,11 +63,17 @@ void archiveValue(const std::vector<T>& value, ArchiveWriter& writer) {
     for (const T& element : value) archiveValue(element, writer);
     writer.end();
 }
-inline void archiveValue(const std::map<std::string, std::string>& value, ArchiveWriter& writer) {
+/// A value of one of several types, each of another kind in the archive.
+template <typename... T>
+void archiveValue(const std::variant<T...>& value, ArchiveWriter& writer) {
+    std::visit([&](const auto& present) { archiveValue(present, writer); }, value);
+}
+template <typename T>
+void archiveValue(const std::map<std::string, T>& value, ArchiveWriter& writer) {
     writer.beginMap();
-    for (const auto& [key, text] : value) {
+    for (const auto& [key, element] : value) {
         writer.text(key);
-        writer.text(text);
+        archiveValue(element, writer);
     }
     writer.end();
 }
@@ -128,7 +134,19 @@ bool readValue(ArchiveReader& reader, std::vector<T>& value) {
     return readElements(reader, ArchiveReader::Kind::List,
                         [&] { return readValue(reader, value.emplace_back()); });
 }
-inline bool readValue(ArchiveReader& reader, std::map<std::string, std::string>& value) {
+template <typename... T>
+bool readValue(ArchiveReader& reader, std::variant<T...>& value) {
+    const ArchiveReader start = reader;
+    const auto readAs = [&]<typename One>(One one) {
+        reader = start;
+        if (!readValue(reader, one)) return false;
+        value = std::move(one);
+        return true;
+    };
+    return (readAs(T{}) || ...);
+}
+template <typename T>
+bool readValue(ArchiveReader& reader, std::map<std::string, T>& value) {
     value.clear();
     return readElements(reader, ArchiveReader::Kind::Map, [&] {
         std::string key;
@@ -179,11 +197,12 @@ inline void appendToString(void* context, const void* bytes, size_t count) {
     static_cast<std::string*>(context)->append(static_cast<const char*>(bytes), count);
 }
 
-template <ArchivedRecord T>
-std::string archivedData(const T& record) {
+/// A record, list or map as the content of a file.
+template <typename T>
+std::string archivedData(const T& value) {
     std::string data;
     ArchiveWriter writer(&appendToString, &data);
-    archiveRecord(record, writer);
+    archiveValue(value, writer);
     return data;
 }
 
@@ -191,13 +210,13 @@ inline std::span<const uint8_t> asBytes(std::string_view text) {
     return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
 }
 
-/// The record that the bytes hold, or none when they hold no such thing from the first to the last.
-template <ArchivedRecord T>
-std::optional<T> recordFromData(std::span<const uint8_t> data) {
+/// What the bytes hold, or none when they hold no such thing from the first to the last.
+template <typename T>
+std::optional<T> valueFromData(std::span<const uint8_t> data) {
     ArchiveReader reader(data);
-    std::optional<T> record(std::in_place);
-    if (!readRecord(reader, *record) || reader.position() != data.size()) return std::nullopt;
-    return record;
+    std::optional<T> value(std::in_place);
+    if (!readValue(reader, *value) || reader.position() != data.size()) return std::nullopt;
+    return value;
 }
 
 }  // namespace vorla

@@ -8,7 +8,7 @@ std::string CvrCrashMetaData::encodeData() const {
 }
 
 bool CvrCrashMetaData::decode(std::string_view data) {
-    auto record = vorla::recordFromData<CvrCrashMetaData>(vorla::asBytes(data));
+    auto record = vorla::valueFromData<CvrCrashMetaData>(vorla::asBytes(data));
     if (!record) return false;
     *this = std::move(*record);
     return true;

@@ -10,8 +10,9 @@ namespace vorla {
 /// Facts about the framework as it is installed: its resource directory and the information
 /// dictionary in it, "Info.json".
 ///
-/// The resource directory is found from where the library (or the program that it is linked into)
-/// was loaded: `../share/VorlaFramework` beside it. Without the file the dictionary is empty and
+/// The resource directory is the one that the environment variable VORLA_RESOURCES names, else
+/// `../share/VorlaFramework` next to where the library (or the program that it is linked into) was
+/// loaded from. Without the file the dictionary is empty and
 /// every value reads as absent. Any thread.
 class Bundle {
  public:
@@ -40,7 +41,8 @@ class Bundle {
     /// there is none. The tables are `<language>.lproj/Localizable.json`.
     [[nodiscard]] std::string localizedString(std::string_view key) const;
 
-    /// Looks for the resources in another place (tests with broken or missing ones).
+    /// Looks for the resources in another directory from now on, whatever the environment says.
+    /// Before the first capture, from hosts that keep them elsewhere.
     void setResourcePath(std::string path);
 
  private:

@@ -66,7 +66,7 @@ json readForMerge(const std::string& path) {
     json object = parsedObject(*text);
     if (!object.is_discarded()) return object;
     if (!text->empty()) {
-        VLLog("preferences %s cannot be parsed and are put aside", path.c_str());
+        VLLogError("preferences %s cannot be parsed and are put aside", path.c_str());
         if (std::rename(path.c_str(), (path + ".broken").c_str()) != 0) return object;
     }
     return json::object();
@@ -171,7 +171,7 @@ void UserDefaults::removeObjectForKey(std::string_view key) {
 bool UserDefaults::synchronize() {
     const std::lock_guard lock(state_->mutex);
     if (state_->unsaved.empty() || state_->save()) return true;
-    VLLog("cannot write preferences %s: %s", state_->path.c_str(), std::strerror(errno));
+    VLLogError("cannot write preferences %s: %s", state_->path.c_str(), std::strerror(errno));
     return false;
 }
 

@@ -3,16 +3,26 @@
 #include <syslog.h>
 #include <vorla/VLLogging.h>
 
+#include <atomic>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/base/raii.h"
 
 namespace vorla {
 namespace {
+
+struct Line {
+    int priority;
+    bool onStandardError;
+    std::string text;
+};
 
 struct LogState {
     std::mutex mutex;
@@ -29,6 +39,48 @@ std::shared_ptr<const LogHandler> currentHandler() {
     return state().handler;
 }
 
+LogLevel levelOfEnvironment() {
+    const char* value = std::getenv("VORLA_LOG");
+    const std::string_view name = value ? value : "";
+    if (name == "off") return LogLevelOff;
+    if (name == "info") return LogLevelInfo;
+    return name == "trace" ? LogLevelTrace : LogLevelError;
+}
+
+std::atomic<LogLevel>& level() {
+    static std::atomic<LogLevel> instance{levelOfEnvironment()};
+    return instance;
+}
+
+/// The lines that the outermost hold of the thread keeps back.
+thread_local std::vector<Line>* heldLines = nullptr;
+
+void deliver(const Line& line) {
+    if (const auto handler = currentHandler()) {
+        try {
+            (*handler)(line.text);
+        } catch (...) {
+            // A host's fault in its handler must not break what merely had something to log.
+        }
+        return;
+    }
+    ::syslog(LOG_USER | line.priority, "%s", line.text.c_str());
+    if (line.onStandardError) std::fprintf(stderr, "%s\n", line.text.c_str());
+}
+
+void deliverOrHold(Line line) {
+    if (heldLines)
+        heldLines->push_back(std::move(line));
+    else
+        deliver(line);
+}
+
+void log(LogLevel wanted, const char* format, va_list arguments) {
+    if (wanted > logLevel() && !currentHandler()) return;
+    const int priority = wanted == LogLevelError ? LOG_ERR : LOG_INFO;
+    deliverOrHold({priority, true, formattedLine(format, arguments)});
+}
+
 }  // namespace
 
 std::string formattedLine(const char* format, va_list arguments) {
@@ -43,42 +95,66 @@ std::string formattedLine(const char* format, va_list arguments) {
     return line;
 }
 
-void setLogHandler(LogHandler handler) {
-    auto shared = handler ? std::make_shared<const LogHandler>(std::move(handler)) : nullptr;
-    const std::lock_guard lock(state().mutex);
-    state().handler = std::move(shared);
+void logLine(std::string_view line, bool onStandardError) {
+    deliverOrHold({LOG_INFO, onStandardError, std::string(line)});
 }
 
-void logLine(std::string_view line, bool onStandardError) {
-    if (const auto handler = currentHandler()) {
-        (*handler)(line);
-        return;
-    }
-    const int length = static_cast<int>(line.size());
-    ::syslog(LOG_USER | LOG_INFO, "%.*s", length, line.data());
-    if (onStandardError) std::fprintf(stderr, "%.*s\n", length, line.data());
+void setLogLevel(LogLevel wanted) {
+    level() = wanted;
+}
+
+LogLevel logLevel() {
+    return level();
+}
+
+void setLogHandler(LogHandler handler) {
+    auto shared = handler ? std::make_shared<const LogHandler>(std::move(handler)) : nullptr;
+    // The old handler ends outside the lock: its captures may log in their destructors.
+    const std::lock_guard lock(state().mutex);
+    state().handler.swap(shared);
+}
+
+struct LogHold::Lines : std::vector<Line> {};
+
+LogHold::LogHold() {
+    if (heldLines) return;
+    lines_ = std::make_unique<Lines>();
+    heldLines = lines_.get();
+}
+
+LogHold::~LogHold() {
+    if (!lines_) return;
+    heldLines = nullptr;
+    for (const Line& line : *lines_) deliver(line);
 }
 
 }  // namespace vorla
 
+void VLLogError(const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    vorla::log(vorla::LogLevelError, format, arguments);
+    va_end(arguments);
+}
+
 void VLLog(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    const std::string line = vorla::formattedLine(format, arguments);
+    vorla::log(vorla::LogLevelInfo, format, arguments);
     va_end(arguments);
-    vorla::logLine(line, true);
 }
 
 void VLLogTrace(const char* format, ...) {
-    const auto handler = vorla::currentHandler();
-    if (!handler) return;
     va_list arguments;
     va_start(arguments, format);
-    const std::string line = vorla::formattedLine(format, arguments);
+    vorla::log(vorla::LogLevelTrace, format, arguments);
     va_end(arguments);
-    (*handler)(line);
 }
 
 void VLSetLogHandler(std::function<void(std::string_view line)> handler) {
     vorla::setLogHandler(std::move(handler));
+}
+
+void VLSetLogLevel(VLLogLevel level) {
+    vorla::setLogLevel(static_cast<vorla::LogLevel>(level));
 }

@@ -5,9 +5,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <sstream>
 #include <vector>
 
@@ -66,9 +70,10 @@ std::string userDirectory(const std::string& key, const char* fallback) {
 
 }  // namespace
 
-std::optional<std::string> readFile(const std::string& path) {
+std::optional<std::string> readFile(const std::string& path, const ReadLimits& limits) {
     // Without O_NONBLOCK the open of a pipe would wait for a writer.
-    const UniqueFd fd(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    const int flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | (limits.followLink ? 0 : O_NOFOLLOW);
+    const UniqueFd fd(::open(path.c_str(), flags));
     if (!fd) return std::nullopt;
     struct stat facts = {};
     if (::fstat(fd.get(), &facts) != 0) return std::nullopt;
@@ -77,10 +82,17 @@ std::optional<std::string> readFile(const std::string& path) {
         return std::nullopt;
     }
     std::string bytes;
-    bytes.reserve(static_cast<size_t>(facts.st_size));
+    if (static_cast<size_t>(facts.st_size) <= limits.largest)
+        bytes.reserve(static_cast<size_t>(facts.st_size));
     char chunk[16384];
-    for (;;) {
-        const ssize_t count = ::read(fd.get(), chunk, sizeof chunk);
+    ssize_t count = 0;
+    // The size is checked again while reading: the file may be growing.
+    for (auto size = static_cast<size_t>(facts.st_size);; size = bytes.size()) {
+        if (size > limits.largest) {
+            errno = EFBIG;
+            return std::nullopt;
+        }
+        count = ::read(fd.get(), chunk, sizeof chunk);
         if (count < 0 && errno == EINTR) continue;
         if (count < 0) return std::nullopt;
         if (count == 0) return bytes;
@@ -100,6 +112,28 @@ bool writeFileAtomically(const std::string& path, std::string_view bytes, mode_t
         errno = reason;
     }
     return done;
+}
+
+void removeStaleTemporaries(const std::string& path) {
+    namespace fs = std::filesystem;
+    const fs::path target(path);
+    const std::string prefix = target.filename().string() + ".";
+    std::error_code error;
+    const auto oldest = fs::file_time_type::clock::now() - std::chrono::hours(1);
+    for (fs::directory_iterator each(target.parent_path(), error), end; !error && each != end;
+         each.increment(error)) {
+        const std::string name = each->path().filename().string();
+        // Six characters in place of the X that the writer asked for.
+        const std::string_view rest =
+            std::string_view(name).substr(name.starts_with(prefix) ? prefix.size() : name.size());
+        const bool temporary =
+            rest.size() == 6 && rest != "broken" &&
+            std::ranges::all_of(rest, [](unsigned char c) { return std::isalnum(c); });
+        std::error_code ignored;
+        if (temporary && fs::is_regular_file(each->symlink_status(ignored)) &&
+            each->last_write_time(ignored) < oldest)
+            fs::remove(each->path(), ignored);
+    }
 }
 
 bool createDirectories(const std::string& path, mode_t mode) {

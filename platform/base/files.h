@@ -2,20 +2,35 @@
 
 #include <sys/types.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace vorla {
 
-/// The whole file, or nothing when it cannot be read (errno says why).
-std::optional<std::string> readFile(const std::string& path);
+/// What is taken for a file that is to be read.
+struct ReadLimits {
+    /// A larger file is refused with EFBIG, unread.
+    size_t largest = SIZE_MAX;
+    /// Otherwise a link at the path itself is refused with ELOOP.
+    bool followLink = true;
+};
+
+/// The whole file, or nothing when it cannot be read: errno says why, EINVAL for what is no plain
+/// file.
+std::optional<std::string> readFile(const std::string& path, const ReadLimits& limits = {});
 
 /// Replaces a file so that a reader, or the next start after a crash, sees the old bytes or the new
 /// ones and never a mixture: writes a temporary neighbour, then renames it. `mode` is the new
 /// file's permission. On failure gives false with errno set; the old file is untouched and nothing
 /// is left behind.
 bool writeFileAtomically(const std::string& path, std::string_view bytes, mode_t mode = 0644);
+
+/// Removes what writers that were killed have left next to the path: temporary neighbours that are
+/// older than an hour, since a younger one may still be written to.
+void removeStaleTemporaries(const std::string& path);
 
 /// Creates a directory and the missing ones above it, new ones with `mode`. True if it is there
 /// afterwards.

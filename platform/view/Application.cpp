@@ -42,11 +42,11 @@ void detachFromApplication() {
 bool attachToApplication() {
     if (!QCoreApplication::instance()) return false;
     if (!qobject_cast<QApplication*>(QCoreApplication::instance())) {
-        VLLog("the host's application object has no widgets: captures need a QApplication");
+        VLLogError("the host's application object has no widgets: captures need a QApplication");
         return false;
     }
     if (QThread::currentThread() != qApp->thread()) {
-        VLLog("captures are started on the thread of the host's application object");
+        VLLogError("captures are started on the thread of the host's application object");
         return false;
     }
     static const QCoreApplication* attached = nullptr;

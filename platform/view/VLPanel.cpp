@@ -4,22 +4,52 @@
 #include <QGuiApplication>
 #include <QImage>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QMouseEvent>
+#include <QPainter>
+#include <QPlainTextEdit>
 #include <QScreen>
+#include <QTextEdit>
 #include <QTimer>
 #include <QWindow>
 #include <cmath>
 
 #include "platform/view/PanelStack.h"
 #include "platform/view/VLEventTracker.h"
+#include "platform/view/VLOverlayPanel.h"
 #include "platform/view/VLView.h"
 #include "platform/view/mouseevents.h"
+
+namespace {
+
+/// Whether the responder has something to undo (or to redo) of its own.
+bool textTakes(const QWidget* responder, bool undo) {
+    if (const auto* text = dynamic_cast<const QTextEdit*>(responder))
+        return undo ? text->document()->isUndoAvailable() : text->document()->isRedoAvailable();
+    if (const auto* text = dynamic_cast<const QPlainTextEdit*>(responder))
+        return undo ? text->document()->isUndoAvailable() : text->document()->isRedoAvailable();
+    if (const auto* line = dynamic_cast<const QLineEdit*>(responder))
+        return undo ? line->isUndoAvailable() : line->isRedoAvailable();
+    return responder != nullptr;
+}
+
+/// Keys that type or move in a text. Some texts do something with them and pass them on.
+bool belongsToText(const QKeyEvent& event) {
+    constexpr auto commands = Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier;
+    const int key = event.key();
+    const bool types = !(event.modifiers() & commands) && !event.text().isEmpty();
+    return (types && key != Qt::Key_Escape) || key == Qt::Key_Return || key == Qt::Key_Enter ||
+           key == Qt::Key_Delete || key == Qt::Key_Backspace ||
+           (key >= Qt::Key_Home && key <= Qt::Key_PageDown);
+}
+
+}  // namespace
 
 VLPanel::VLPanel(int level)
     : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint),
       level_(level) {
     setMouseTracking(true);
-    setFocusPolicy(Qt::StrongFocus);
+    setFocusPolicy(Qt::NoFocus);  // a press on it would take the focus from a text
     // The content view paints every pixel, so neither the system nor the toolkit needs to clear.
     setAttribute(Qt::WA_NoSystemBackground);
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -29,33 +59,59 @@ VLPanel::~VLPanel() {
     vorla::PanelStack::shared().remove(this);
 }
 
-void VLPanel::coverScreen(QScreen* screen) {
+void VLPanel::coverScreen(QScreen* screen, const QRect& nativeFrame) {
     setScreen(screen);
-    const QRectF exact = screen->geometry();
-    // At scales such as 1.25 the screen's size in points need not be whole: rounding up covers the
-    // last row, and the part of a pixel that is too much lies outside the screen.
-    setGeometry(screen->geometry().x(), screen->geometry().y(),
-                static_cast<int>(std::ceil(exact.width())),
-                static_cast<int>(std::ceil(exact.height())));
+    const QRect geometry = screen->geometry();
+    const double scale = screen->devicePixelRatio();
+    exactSize_ = {static_cast<double>(geometry.width()), static_cast<double>(geometry.height())};
+    if (!nativeFrame.isEmpty())
+        exactSize_ = {nativeFrame.width() / scale, nativeFrame.height() / scale};
+    // Rounded up, for the last row and column belong to the screen.
+    constexpr double noise = 1e-6;
+    setGeometry(geometry.x(), geometry.y(), static_cast<int>(std::ceil(exactSize_.width - noise)),
+                static_cast<int>(std::ceil(exactSize_.height - noise)));
+    fitContent();
+}
+
+VLSize VLPanel::extent() const {
+    if (!exactSize_.isEmpty()) return exactSize_;
+    return {static_cast<double>(width()), static_cast<double>(height())};
 }
 
 void VLPanel::setContentView(VLView* view) {
-    if (VLView* old = contentView(); old && old != view) {
+    if (VLView* old = contentView_; old && old != view) {
         old->hide();
         old->deleteLater();
         old->setParent(nullptr);
     }
+    contentView_ = view;
     if (!view) return;
     view->setParent(this);
-    view->setFrame({0.0, 0.0, static_cast<double>(width()), static_cast<double>(height())});
-    view->deriveGeometry();
+    fitContent();
+    view->lower();
     view->show();
 }
 
 VLView* VLPanel::contentView() const {
-    for (QObject* child : children())
-        if (auto* view = dynamic_cast<VLView*>(child)) return view;
-    return nullptr;
+    return contentView_;
+}
+
+void VLPanel::fitContent() {
+    if (!contentView_) return;
+    contentView_->setFrame(bounds());
+    contentView_->deriveGeometry();
+}
+
+void VLPanel::addChild(VLOverlayPanel* overlay) {
+    if (!overlay) return;
+    overlay->removeFromParent();
+    overlays_.emplace_back(overlay);
+    overlay->enterPanel(this, nullptr);
+    overlay->orderFront();
+}
+
+std::vector<VLOverlayPanel*> VLPanel::overlays() const {
+    return VLOverlayPanel::inOrder(overlays_);
 }
 
 void VLPanel::makeKeyAndOrderFront() {
@@ -85,6 +141,9 @@ void VLPanel::dispose() {
 
 void VLPanel::shelve() {
     setContentView(nullptr);
+    for (const auto& overlay : std::exchange(overlays_, {}))
+        if (overlay) overlay->closePanel();
+    makeFirstResponder(nullptr);
     onFirstPaint = nullptr;
     closed_ = true;
 }
@@ -107,9 +166,87 @@ void VLPanel::prepareBackingStore() {
     store->endPaint();
 }
 
-bool VLPanel::performKeyEquivalent(QKeyEvent* /*event*/) {
+// Keys -----------------------------------------------------------------------------------------
+
+void VLPanel::makeFirstResponder(QWidget* responder) {
+    if (responder == this) responder = nullptr;
+    if (firstResponder_ == responder) return;
+    if (firstResponder_) firstResponder_->removeEventFilter(this);
+    firstResponder_ = responder;
+    composing_ = false;
+    if (!responder) {
+        setFocus(Qt::OtherFocusReason);
+        return;
+    }
+    responder->setFocusPolicy(Qt::NoFocus);
+    responder->installEventFilter(this);
+    responder->setFocus(Qt::OtherFocusReason);
+}
+
+bool VLPanel::editsText() const {
+    return firstResponder_ && firstResponder_->testAttribute(Qt::WA_InputMethodEnabled);
+}
+
+bool VLPanel::performKeyEquivalent(QKeyEvent& /*event*/) {
     return false;
 }
+
+bool VLPanel::routeKeyEquivalent(QKeyEvent& event) {
+    auto frontToBack = overlays_;
+    frontToBack.clear();
+    std::vector<VLOverlayPanel*> stack;
+    for (VLOverlayPanel* overlay : overlays()) overlay->appendStack(stack);
+    for (VLOverlayPanel* overlay : stack) frontToBack.emplace(frontToBack.begin(), overlay);
+    const QPointer<VLPanel> self(this);
+    for (const auto& overlay : frontToBack)
+        if (overlay && !overlay->isHidden() && overlay->performKeyEquivalent(event)) return true;
+    if (self && contentView_ && contentView_->performKeyEquivalent(event)) return true;
+    return self && performKeyEquivalent(event);
+}
+
+bool VLPanel::interceptKey(QKeyEvent& event) {
+    if (event.key() == Qt::Key_Escape) return !composing_ && performKeyEquivalent(event);
+    const bool undo = event.matches(QKeySequence::Undo);
+    const bool redo = event.matches(QKeySequence::Redo);
+    if (!undo && !redo) return false;
+    if (textTakes(firstResponder_, undo)) return false;
+    return routeKeyEquivalent(event);
+}
+
+void VLPanel::watchResponder(const QEvent& event) {
+    switch (event.type()) {
+        case QEvent::InputMethod:
+            composing_ = !static_cast<const QInputMethodEvent&>(event).preeditString().isEmpty();
+            break;
+        case QEvent::FocusOut:
+            composing_ = false;
+            break;
+        case QEvent::Hide:
+            makeFirstResponder(nullptr);
+            break;
+        default:
+            break;
+    }
+}
+
+bool VLPanel::eventFilter(QObject* receiver, QEvent* event) {
+    if (receiver == firstResponder_) watchResponder(*event);
+    if (receiver == windowHandle() && event->type() == QEvent::KeyPress)
+        return interceptKey(*static_cast<QKeyEvent*>(event));
+    return false;
+}
+
+bool VLPanel::focusNextPrevChild(bool /*next*/) {
+    return false;
+}
+
+void VLPanel::keyPressEvent(QKeyEvent* event) {
+    if (editsText() && (composing_ || belongsToText(*event))) return;
+    if (!routeKeyEquivalent(*event)) QWidget::keyPressEvent(event);
+}
+
+// Presses --------------------------------------------------------------------------------------
+
 void VLPanel::mouseDown(const VLMouseEvent& /*event*/) {}
 void VLPanel::rightMouseDown(const VLMouseEvent& /*event*/) {}
 
@@ -120,6 +257,17 @@ void VLPanel::joinModalWindow() {
 }
 
 bool VLPanel::event(QEvent* event) {
+    switch (event->type()) {
+        case QEvent::WinIdChange:
+            if (windowHandle()) windowHandle()->installEventFilter(this);
+            break;
+        case QEvent::ShortcutOverride:
+            // While the panel has the keyboard, the host's shortcuts have to wait.
+            event->accept();
+            return true;
+        default:
+            break;
+    }
     const bool handled = QWidget::event(event);
     if (event->type() == QEvent::WindowBlocked) joinModalWindow();
     // The update request is where the toolkit paints the dirty region and hands it to the screen.
@@ -131,10 +279,6 @@ bool VLPanel::event(QEvent* event) {
         });
     }
     return handled;
-}
-
-void VLPanel::keyPressEvent(QKeyEvent* event) {
-    if (!performKeyEquivalent(event)) QWidget::keyPressEvent(event);
 }
 
 void VLPanel::mousePressEvent(QMouseEvent* event) {
@@ -150,10 +294,13 @@ void VLPanel::mouseDoubleClickEvent(QMouseEvent* event) {
     if (!vorla::repeatsPress(*event)) mousePressEvent(event);
 }
 
+void VLPanel::paintEvent(QPaintEvent* event) {
+    if (!contentView_) QPainter(this).fillRect(event->rect(), Qt::black);
+}
+
 void VLPanel::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    if (VLView* view = contentView())
-        view->setFrame({0.0, 0.0, static_cast<double>(width()), static_cast<double>(height())});
+    fitContent();
 }
 
 void VLPanel::closeRequested() {

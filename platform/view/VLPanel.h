@@ -1,11 +1,14 @@
 #pragma once
 
+#include <QPointer>
 #include <QWidget>
 #include <functional>
+#include <vector>
 
 #include "platform/base/geometry.h"
 #include "platform/view/VLMouseEvent.h"
 
+class VLOverlayPanel;
 class VLView;
 
 /// A frameless top-level window that no window manager touches, at a level of its own.
@@ -14,6 +17,13 @@ class VLView;
 /// one that is opened later. The key panel has the keyboard: it takes it without a window manager's
 /// help, takes it back when another program steals it, and when the last panel goes the keyboard
 /// returns to where it was before the first.
+///
+/// Inside the panel the keyboard belongs to the first responder, which is set explicitly: a press
+/// moves it nowhere. Esc goes to the panel first, unless an input method is composing. Every other
+/// key goes to the first responder and up its superviews; what none of them takes goes as a key
+/// equivalent down the view tree, front to back, and in the end to the panel. While a text has the
+/// first responder, what types or moves in it ends there, and Undo goes there while it has
+/// something to undo.
 ///
 /// A panel deletes itself some time after `closePanel`. Main thread only; hold panels in a
 /// QPointer.
@@ -25,12 +35,32 @@ class VLPanel : public QWidget {
 
     [[nodiscard]] int level() const { return level_; }
 
-    /// Puts the panel over a whole screen: exactly its native rectangle, whatever its scale.
-    void coverScreen(QScreen* screen);
+    /// Puts the panel over a whole screen: exactly its native rectangle, whatever its scale. The
+    /// toolkit's idea of a screen is rounded to whole points, so the rectangle is to be given in
+    /// native pixels; an empty one stands for what the toolkit thinks.
+    void coverScreen(QScreen* screen, const QRect& nativeFrame = {});
+    /// The exact size in points, which at scales such as 1.25 need not be whole: y begins there.
+    [[nodiscard]] VLSize extent() const;
+    [[nodiscard]] VLRect bounds() const { return VLRect::make({}, extent()); }
 
-    /// The view that fills the panel; the panel owns it. Null takes the present one away.
+    /// The view that fills the panel; the panel owns it. Null takes the present one away. Without
+    /// one the panel is black.
     void setContentView(VLView* view);
     [[nodiscard]] VLView* contentView() const;
+
+    /// Puts a child panel above the content and shows it; it leaves its former parent.
+    void addChild(VLOverlayPanel* overlay);
+    /// The child panels, lowest first.
+    [[nodiscard]] std::vector<VLOverlayPanel*> overlays() const;
+
+    /// Gives the keys to a view or another widget in the panel; null gives them to the panel
+    /// itself, as does the end or hiding of the responder. The widget loses the toolkit's own way
+    /// of taking the focus by a click.
+    void makeFirstResponder(QWidget* responder);
+    /// Null when it is the panel itself.
+    [[nodiscard]] QWidget* firstResponder() const { return firstResponder_; }
+    /// Whether the first responder is a text that the user types in.
+    [[nodiscard]] bool editsText() const;
 
     /// Shows the panel at its level and gives it the keyboard.
     void makeKeyAndOrderFront();
@@ -56,8 +86,8 @@ class VLPanel : public QWidget {
     void shelve();
     void reopen();
 
-    /// A key that no view took. True if it was dealt with.
-    virtual bool performKeyEquivalent(QKeyEvent* event);
+    /// Esc, and the keys that no view took. True if it was dealt with.
+    virtual bool performKeyEquivalent(QKeyEvent& event);
     /// Presses that no view of the panel took.
     virtual void mouseDown(const VLMouseEvent& event);
     virtual void rightMouseDown(const VLMouseEvent& event);
@@ -65,17 +95,31 @@ class VLPanel : public QWidget {
     virtual void closeRequested();
 
     bool event(QEvent* event) override;
+    bool eventFilter(QObject* receiver, QEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
  private:
+    friend class VLOverlayPanel;
+    [[nodiscard]] bool routeKeyEquivalent(QKeyEvent& event);
+    /// A key on its way to the first responder; true if it went elsewhere.
+    bool interceptKey(QKeyEvent& event);
+    void watchResponder(const QEvent& event);
+    void fitContent();
     /// Modal dialogs of the host block every window but those that belong to them.
     void joinModalWindow();
 
     int level_;
+    VLSize exactSize_;
+    QPointer<VLView> contentView_;
+    std::vector<QPointer<VLOverlayPanel>> overlays_;
+    QPointer<QWidget> firstResponder_;
+    bool composing_ = false;
     bool closed_ = false;
     bool painted_ = false;
 };

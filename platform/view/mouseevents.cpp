@@ -5,6 +5,8 @@
 #include <QStyleHints>
 #include <cmath>
 
+#include "platform/view/VLPanel.h"
+
 namespace vorla {
 namespace {
 
@@ -67,11 +69,16 @@ QPointF lastPressPosition() {
     return clickCounter().place();
 }
 
+double heightOf(const QWidget& panel) {
+    const auto* exact = dynamic_cast<const VLPanel*>(&panel);
+    return exact ? exact->extent().height : panel.height();
+}
+
 VLPoint locationInWindow(QPointF inPanel, const QWidget& panel) {
     const double scale = panel.devicePixelRatioF();
     // The tolerance keeps a whole pixel whole at scales such as 1.25, where 1/scale is not exact.
     const auto middle = [scale](double v) { return (std::floor(v * scale + 1e-6) + 0.5) / scale; };
-    return {middle(inPanel.x()), panel.height() - middle(inPanel.y())};
+    return {middle(inPanel.x()), heightOf(panel) - middle(inPanel.y())};
 }
 
 VLMouseEvent mouseEvent(const QSinglePointEvent& event, const QWidget& receiver,

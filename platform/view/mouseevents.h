@@ -24,6 +24,9 @@ void forgetClicks();
 /// Where on the desktop the last press was, in the toolkit's coordinates.
 QPointF lastPressPosition();
 
+/// The exact height of a panel in points, which is where its y begins; of another widget its own.
+double heightOf(const QWidget& panel);
+
 /// Where the pointer is now, in the panel's coordinates.
 VLPoint pointerLocationInWindow(const QWidget& panel);
 

@@ -20,8 +20,8 @@ std::shared_ptr<WindowServer>& instance() {
 std::unique_ptr<WindowServer> WindowServer::connect() {
     const char* display = std::getenv("DISPLAY");
     if (display == nullptr || *display == '\0') {
-        VLLog("window server: DISPLAY names no X server%s",
-              std::getenv("WAYLAND_DISPLAY") != nullptr ? ", and Wayland is not served" : "");
+        VLLogError("window server: DISPLAY names no X server%s",
+                   std::getenv("WAYLAND_DISPLAY") != nullptr ? ", and Wayland is not served" : "");
         return nullptr;
     }
     return X11WindowServer::create();

@@ -73,13 +73,13 @@ std::shared_ptr<X11Connection> X11Connection::open() {
                                : screenNumbered(xcb_get_setup(connection), number);
     if (screen == nullptr) {
         xcb_disconnect(connection);
-        VLLog("window server: no display server to connect to");
+        VLLogError("window server: no display server to connect to");
         return nullptr;
     }
     std::shared_ptr<X11Connection> result(new X11Connection(connection, screen));
     result->readExtensions();
     if (result->isNested()) {
-        VLLog("window server: this X server runs inside another display system, not served");
+        VLLogError("window server: this X server runs inside another display system, not served");
         return nullptr;
     }
     result->readAtoms(number);
@@ -183,7 +183,7 @@ void X11Connection::readLayouts() {
                 readable ? layoutOfMasks(d.data->depth, *v.data) : PixelLayout::Unsupported;
     }
     if (layoutOf(screen_->root_visual) == PixelLayout::Unsupported)
-        VLLog("window server: pixels of depth %d cannot be read", screen_->root_depth);
+        VLLogError("window server: pixels of depth %d cannot be read", screen_->root_depth);
 }
 
 PixelLayout X11Connection::layoutOf(xcb_visualid_t visual) const {
@@ -193,7 +193,7 @@ PixelLayout X11Connection::layoutOf(xcb_visualid_t visual) const {
 
 bool X11Connection::isAlive() {
     if (xcb_connection_has_error(connection_) == 0) return true;
-    if (!loggedLoss_) VLLog("window server: the connection to the display server is lost");
+    if (!loggedLoss_) VLLogError("window server: the connection to the display server is lost");
     loggedLoss_ = true;
     return false;
 }

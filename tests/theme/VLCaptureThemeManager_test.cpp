@@ -90,6 +90,47 @@ TEST_F(ThemeManager, LoadsImagesAtTheScaleAskedFor) {
         EXPECT_TRUE(theme_.themedImageWithKey(key).isNull()) << key;
 }
 
+TEST_F(ThemeManager, TakesFromItsBaseWhatAThemeLacks) {
+    resources_.writeTheme(R"({"Palette": {"ink": "#010203", "plate": "#040506"}, "mine": "old",
+        "Variants": {"lit": {"ink": "@plate@"}}, "light": "a#lit", "plain": "a", "odd": "a#none",
+        "front": {"Hex": "@ink@"}, "back": {"Hex": "@plate@"}, "size": {"W": 1, "H": 2}})");
+    resources_.writeTheme(R"({"Base": "default", "Palette": {"plate": "#ff0000"}, "mine": "own",
+        "size": {"W": 3}})",
+                          "Tern-theme");
+    writeImage("a.svg", R"(<svg xmlns="http://www.w3.org/2000/svg" width="8" height="6">
+        <rect width="8" height="6" fill="@ink@"/></svg>)");
+    theme_.changeThemeTo("Tern-theme");
+    EXPECT_EQ(theme_.objectWithKey("mine"), "own");
+    EXPECT_EQ(theme_.themedSizeWithKey("size"), (VLSize{3, 0}));
+    EXPECT_EQ(theme_.themedColorWithKey("front").rgba(), 0xff010203U);
+    EXPECT_EQ(theme_.themedColorWithKey("back").rgba(), 0xffff0000U);
+    const auto pixel = [this](const char* key) {
+        return theme_.themedImageWithKey(key, 1).pixel(4, 3);
+    };
+    EXPECT_EQ(pixel("plain"), 0xff010203U);
+    EXPECT_EQ(pixel("odd"), 0xff010203U);
+    EXPECT_EQ(pixel("light"), 0xffff0000U);
+    // A picture of its own goes before the base's, and a changed base is seen.
+    std::ofstream(resources_.theme("Tern-theme") + "/a.svg")
+        << R"(<svg xmlns="http://www.w3.org/2000/svg" width="8" height="6">
+        <rect width="8" height="6" fill="#00ff00"/></svg>)";
+    EXPECT_EQ(pixel("light"), 0xff00ff00U);
+    resources_.writeTheme(R"({"added": 1})");
+    EXPECT_EQ(theme_.themedWeightWithKey("added"), 1.0F);
+    for (const char* outside : {"", ".", "..", "../default", "Tern-theme", "none"}) {
+        resources_.writeTheme(std::string(R"({"Base": ")") + outside + "\"}", "Tern-theme");
+        EXPECT_TRUE(theme_.objectWithKey("added").is_null()) << outside;
+    }
+}
+
+TEST_F(ThemeManager, DrawsWithTheBuiltInThemeWhereThereAreNoResources) {
+    vorla::Bundle::framework().setResourcePath(resources_.theme() + "/nowhere");
+    theme_.resetTheme();
+    EXPECT_TRUE(theme_.themedColorWithKey("VLCaptureView_BackgroundColor").isValid());
+    EXPECT_FALSE(theme_.themedImageWithKey("VLToolbarFunctionButtonTypeOK_normal").isNull());
+    EXPECT_EQ(log_.count("VORLA_RESOURCES"), 1);
+}
+
 TEST_F(ThemeManager, ChangesOnlyToThemesThatAreThere) {
     std::vector<std::string> heard;
     vorla::NotificationObservers observers;

@@ -81,10 +81,10 @@ std::shared_ptr<ZenPacket> NexAgent::handleResponseData(
             const vorla::PakFailuresRaise untrusted;
             return pakObjectFromData<ZenPacket>(data);
         } catch (const std::exception& failure) {
-            VLLog("reply cannot be read: %s", failure.what());
+            VLLogError("reply cannot be read: %s", failure.what());
         }
     }
-    VLLog("NEX Response Data Invalid");
+    VLLogError("NEX Response Data Invalid");
     return nullptr;
 }
 

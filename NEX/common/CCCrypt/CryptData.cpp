@@ -100,7 +100,7 @@ std::optional<Bytes> Ozu_dataWithHexString(std::string_view text) {
         ++cursor;
     }
     if (cursor % 2 == 0) return bytes;
-    VLLog("assertion failed: cursor %% 2 == 0");
+    VLLogError("assertion failed: cursor %% 2 == 0");
     std::abort();
 }
 

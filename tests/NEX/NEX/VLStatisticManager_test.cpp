@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <random>
+#include <stdexcept>
 #include <thread>
 #include <vector>
 
@@ -146,6 +147,74 @@ TEST_F(Statistics, DamagedAndForeignFilesAreSurvivedAndPutAside) {
     VLStatisticManager manager(counters_, old_);
     manager.statisticEvent(3);
     EXPECT_EQ(manager.statInfo()["3"], 1);
+}
+
+// Each of these waited for the counters' own lock, and so for ever.
+TEST_F(Statistics, ALogHandlerMayCountForkAndWaitForThreads) {
+    ASSERT_TRUE(vorla::createDirectories(counters_));
+    ASSERT_TRUE(vorla::writeFileAtomically(path_, "foreign"));
+    VLStatisticManager manager(counters_, old_);
+    int lines = 0;
+    vorla::setLogHandler([&](std::string_view) {
+        ++lines;
+        manager.statisticEvent(1);
+        std::jthread([&] { manager.statisticEvent(2); }).join();
+        EXPECT_EQ(ChildProcess([&] { return manager.statInfo()["2"] == 1 ? 0 : 1; }).wait(), 0);
+        throw std::runtime_error("a fault of the host's");
+    });
+    manager.statisticEvent(3);
+    vorla::setLogHandler({});
+    EXPECT_EQ(lines, 1);
+    EXPECT_EQ(onDisk(), json({{"1", 1}, {"2", 1}, {"3", 1}}));
+}
+
+TEST_F(Statistics, AGoodFileThatCannotBeReadNowIsAddedToLater) {
+    ASSERT_TRUE(vorla::createDirectories(counters_));
+    ASSERT_TRUE(writeToPlistFile({{"1", 4}, {"2", 2}}, path_));
+    ChildProcess host([this] {
+        const vorla::test::LogRecorder log;
+        rlimit files{};
+        ::getrlimit(RLIMIT_NOFILE, &files);
+        const rlimit none{0, files.rlim_max};
+        ::setrlimit(RLIMIT_NOFILE, &none);
+        VLStatisticManager manager(counters_, old_);
+        manager.statisticEvent(1);
+        manager.statisticEvent(3);
+        ::setrlimit(RLIMIT_NOFILE, &files);
+        if (log.lines().size() != 1 || onDisk() != json({{"1", 4}, {"2", 2}})) return 1;
+        manager.statisticEvent(1);
+        return onDisk() == json({{"1", 6}, {"2", 2}, {"3", 1}}) ? 0 : 2;
+    });
+    EXPECT_EQ(host.wait(), 0);
+    EXPECT_FALSE(fs::exists(path_ + ".broken"));
+}
+
+TEST_F(Statistics, HugeFilesLinksAndLeftoversAreCleared) {
+    const vorla::test::LogRecorder log;
+    ASSERT_TRUE(vorla::createDirectories(counters_));
+    const std::string huge = std::string("\xBA\0\x20\0\0", 5) + std::string(300000, '\x60');
+    ASSERT_TRUE(vorla::writeFileAtomically(path_, huge));
+    for (const char* name : {".AbC123", ".zzzzzz", ".toolong", ".lock"})
+        ASSERT_TRUE(vorla::writeFileAtomically(path_ + name, "left"));
+    fs::last_write_time(path_ + ".AbC123",
+                        fs::file_time_type::clock::now() - std::chrono::hours(2));
+    VLStatisticManager(counters_, old_).statisticEvent(3);
+    EXPECT_EQ(onDisk(), json({{"3", 1}}));
+    EXPECT_EQ(fs::file_size(path_ + ".broken"), huge.size());
+    EXPECT_FALSE(fs::exists(path_ + ".AbC123"));
+    EXPECT_TRUE(fs::exists(path_ + ".zzzzzz") && fs::exists(path_ + ".toolong"));
+
+    ASSERT_TRUE(writeToPlistFile({{"9", 9}}, folder_ / "elsewhere"));
+    fs::remove(path_);
+    fs::create_symlink(folder_ / "elsewhere", path_);
+    VLStatisticManager manager(counters_, old_);
+    manager.statisticEvent(4);
+    EXPECT_EQ(onDisk(), json({{"4", 1}}));
+    EXPECT_EQ(readFromPlistFile(folder_ / "elsewhere"), json({{"9", 9}}));
+
+    fs::remove_all(counters_);
+    manager.statisticEvent(4);
+    EXPECT_EQ(onDisk(), json({{"4", 2}}));
 }
 
 TEST_F(Statistics, AnUnwritablePlaceCostsOnlyTheFile) {

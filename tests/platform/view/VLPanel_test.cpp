@@ -28,8 +28,8 @@ class RecordingPanel : public VLPanel {
     void rightMouseDown(const VLMouseEvent& event) override {
         rightPresses.push_back(event.locationInWindow);
     }
-    bool performKeyEquivalent(QKeyEvent* event) override {
-        keys.push_back(event->key());
+    bool performKeyEquivalent(QKeyEvent& event) override {
+        keys.push_back(event.key());
         return true;
     }
 };

@@ -129,12 +129,13 @@ TEST(RenderViewTree, GivesThePicturesPixelForPixel) {
             const QRect device = QRectF(rect.x * scale, (40 - rect.maxY()) * scale,
                                         rect.width * scale, rect.height * scale)
                                      .toRect();
-            EXPECT_EQ(rendered, whole.copy(device)) << "scale " << scale << " at " << rect.x;
+            EXPECT_EQ(rendered.convertToFormat(QImage::Format_RGB32), whole.copy(device))
+                << "scale " << scale << " at " << rect.x;
         }
         EXPECT_TRUE(renderViewTree(view, {3, 3, 0, 5}, scale).isNull());
-        // Where no view draws there is black, and nothing that the memory held before.
+        // Where no view draws it is clear, and nothing is there that the memory held before.
         const QImage beyond = renderViewTree(view, {50, 30, 40, 30}, scale);
-        EXPECT_EQ(beyond.pixel(beyond.width() - 1, 0), 0xff000000U);
+        EXPECT_EQ(beyond.pixel(beyond.width() - 1, 0), 0U);
     }
 }
 

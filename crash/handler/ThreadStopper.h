@@ -1,0 +1,29 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <ctime>
+
+#include "crash/handler/StackWalker.h"
+
+namespace vorla::crash {
+
+/// Holds one other thread of the process while its stack is read. It is told by a signal, whose
+/// handler notes the thread's registers and waits. One at a time. May run after a fault.
+class ThreadStopper {
+ public:
+    /// Takes over the signal. It is one that nobody else handles when this is first called.
+    static void chooseSignal();
+
+    /// Sets the signal's handler; for good, as a thread may come upon the signal much later.
+    ThreadStopper();
+
+    /// False when the thread did not stop within 20 ms: it has ended, or blocks all signals.
+    bool stop(pid_t thread, Registers& registers);
+    void resume();
+};
+
+/// Milliseconds of a clock that only ever goes forward.
+int64_t monotonicMilliseconds();
+
+}  // namespace vorla::crash
