@@ -7,6 +7,7 @@
 #include <string>
 
 #include "editor/VLEditGraphType.h"
+#include "editor/VLEditNotifications.h"
 #include "imaging/ImageHelpers.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/view/VLPanel.h"

@@ -10,12 +10,11 @@
 #include "toolbar/VLToolbarFunctionButton.h"
 #include "toolbar/VLToolbarGraphButton.h"
 
+/// Posted when annotating begins: a window was clicked, or a tool is used for the first time.
+inline constexpr const char* NotificationEditDidBegin = "notificationeditdidbegin";
 /// Posted when the user gives the capture up. The object is a false `bool`.
 inline constexpr const char* NotificationCaptureDidCancel = "notificationcapturedidcancel";
 
-/// TEMP
-inline constexpr const char* NotificationEditDidBegin = "notificationeditdidbegin";
-inline constexpr const char* NotificationCaptureDidFinish = "notificationcapturedidfinish";
 class VLToolbarViewDelegate {
  public:
     virtual ~VLToolbarViewDelegate() = default;

@@ -10,8 +10,8 @@
 
 namespace vorla {
 
-/// The user's persistent preferences for this host: a map from key to value, kept as one JSON object
-/// in a file.
+/// The user's persistent preferences for this host: a map from key to value, kept as one JSON
+/// object in a file.
 ///
 /// A write takes effect in this object at once and reaches the file with `synchronize`, which
 /// merges just the keys written here into what the file holds then, under a lock on a neighbouring
