@@ -13,6 +13,9 @@
 #include "selection/VLCaptureViewController.h"
 #include "windows/VLCaptureWindowInfo.h"
 
+/// Posted by the toolbar's Cancel button; the object is a false `bool`.
+inline constexpr const char* NotificationCaptureDidCancel = "notificationcapturedidcancel";
+
 class VLCaptureWindowControllerDelegate {
  public:
     virtual ~VLCaptureWindowControllerDelegate() = default;

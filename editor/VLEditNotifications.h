@@ -5,8 +5,6 @@
 #include <optional>
 #include <string>
 
-/// Posted when the user is done; a true `bool` as its object says that a file is to be saved.
-inline constexpr const char* NotificationCaptureDidFinish = "notificationcapturedidfinish";
 /// Posted by an edit view when an item gets the focus. The object is a `VLNotificationDictionary`
 /// with all three keys below; an item without a colour leaves the last one out.
 inline constexpr const char* VLNotificationFocusItemDidChange = "notificationfocusitemdidchange";

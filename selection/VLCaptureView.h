@@ -4,15 +4,17 @@
 #include <QImage>
 #include <memory>
 
-#include "editor/VLEditNotifications.h"
 #include "platform/view/VLView.h"
 #include "selection/VLCaptureViewSelectedItem.h"
-#include "toolbar/VLToolbarView.h"
 
 class VLCaptureWindowInfo;
 
 /// Posted by a surface at its first press of a session; the object is the view (`VLCaptureView*`).
 inline constexpr const char* VLNotificationSelectDidBegin = "VLNotificationSelectDidBegin";
+/// Posted when annotating begins: a window was clicked, or a tool is used for the first time.
+inline constexpr const char* NotificationEditDidBegin = "notificationeditdidbegin";
+/// Posted when the user is done; a true `bool` as its object says that a file is to be saved.
+inline constexpr const char* NotificationCaptureDidFinish = "notificationcapturedidfinish";
 
 class VLCaptureViewDelegate {
  public:
