@@ -4,9 +4,11 @@
 #include <span>
 
 #include "crash/CvrLocalObject.h"
+#include "crash/upload/CvrTransferProtocols.h"
 
 /// What the server wants of the crash reporter on this machine.
-class CvrLocalStrategy : public CvrArchivedObject<CvrLocalStrategy> {
+class CvrLocalStrategy : public CvrArchivedObject<CvrLocalStrategy>,
+                         public CvrLocalObjInitWithNexProtocol {
  public:
     static constexpr const char* name = "CvrLocalStrategy";
     static constexpr const char* defaultEncKey = "#$Q!V!Q$";
@@ -33,7 +35,7 @@ class CvrLocalStrategy : public CvrArchivedObject<CvrLocalStrategy> {
 
     /// Takes over the `cvr::CvrStrategy` whose fields the bytes are. False, a log line and nothing
     /// changed when they are none. Keys that are missing or too short leave the present ones.
-    bool initLocalObjWithNexBuffer(std::span<const uint8_t> buffer);
+    bool initLocalObjWithNexBuffer(std::span<const uint8_t> buffer) override;
 
     template <typename Self, typename Visit>
     static void eachField(Self& self, Visit&& visit) {

@@ -6,6 +6,7 @@
 
 #include "crash/CvrLog.h"
 #include "crash/facts/CvrDeviceUtil.h"
+#include "platform/base/VLLog.h"
 #include "platform/base/raii.h"
 
 namespace {
@@ -25,7 +26,9 @@ CvrFilePersistHandler& CvrFilePersistHandler::sharedInstance() {
 }
 
 CvrFilePersistHandler::CvrFilePersistHandler(std::string folder, CvrModelBase& model)
-    : model_(model), folder_(std::move(folder)) {}
+    : model_(model), folder_(std::move(folder)) {
+    noteForHandlerLocked();
+}
 
 std::optional<StoreFolder> CvrFilePersistHandler::openFolder() const {
     return StoreFolder::open(folder_, origin_);
@@ -43,6 +46,7 @@ bool CvrFilePersistHandler::changeDbPath(const std::string& path) {
         const std::lock_guard lock(mutex_);
         folder_ = path;
         origin_ = StoreFolder::Origin::Given;
+        noteForHandlerLocked();
     }
     CvrLogInfo("<INFO> CVR: **reset default crash data path %s ", path.c_str());
     changed();
@@ -51,6 +55,7 @@ bool CvrFilePersistHandler::changeDbPath(const std::string& path) {
 
 bool CvrFilePersistHandler::changeIndex(
     const std::function<bool(const vorla::StoreFolder&)>& action) {
+    const vorla::LogHold hold;
     const std::lock_guard guard(mutex_);
     const auto folder = openFolder();
     if (!folder) return false;
@@ -60,6 +65,7 @@ bool CvrFilePersistHandler::changeIndex(
 }
 
 void CvrFilePersistHandler::loadAllDatas() {
+    const vorla::LogHold hold;
     {
         const std::lock_guard guard(mutex_);
         if (dataLoaded_) return;
@@ -70,8 +76,7 @@ void CvrFilePersistHandler::loadAllDatas() {
                 removeOldVersion(folder);
                 return false;
             }
-            for (CvrSummaryInfo& info : readUserInfos(folder))
-                allUserInfos_.push_back(std::move(info));
+            mergeUserInfosLocked(folder);
             CvrLogInfo("<INFO> CVR: **CVR File Persist**LOADED %d userinfos",
                        static_cast<int>(allUserInfos_.size()));
             const size_t before = allCrashMetas_.size();
@@ -101,6 +106,7 @@ void CvrFilePersistHandler::removeCrashFiles(const StoreFolder& folder) {
 }
 
 void CvrFilePersistHandler::deleteAllCrashes() {
+    const vorla::LogHold hold;
     const std::lock_guard guard(mutex_);
     const auto folder = openFolder();
     if (!folder) return;
@@ -142,6 +148,7 @@ std::shared_ptr<const CvrLocalStrategy> CvrFilePersistHandler::loadCommonStrateg
 }
 
 bool CvrFilePersistHandler::saveCommonStrategy(const CvrLocalStrategy& strategy) {
+    const vorla::LogHold hold;
     const std::lock_guard guard(mutex_);
     auto kept = std::make_shared<CvrLocalStrategy>(strategy);
     const std::string data = kept->encodeData();

@@ -77,6 +77,8 @@ class CvrFilePersistHandler {
     bool deleteDatas(const std::vector<CvrSummaryInfo>& infos);
     [[nodiscard]] std::vector<CvrSummaryInfo> getAllDatas() const;
     [[nodiscard]] size_t getCurrSize() const;
+    /// Takes the records from disk again, with those that were not written yet.
+    void refreshUserInfoDatas();
     /// Writes the user records if they have changed.
     void persistAllUserInfoDatas();
 
@@ -87,7 +89,7 @@ class CvrFilePersistHandler {
     static constexpr const char* crashClaim = ".crashes.lock";
     static constexpr const char* userInfoClaim = ".users.lock";
 
-    /// Paths and contents for the crash handler, which writes them itself.
+    /// Paths and contents for the crash handler, which writes them itself. Waits for no disk.
     struct Prepared {
         std::string folder;
         /// Empty when the file on disk is up to date.
@@ -119,7 +121,9 @@ class CvrFilePersistHandler {
     std::vector<CvrExpObj> decoded(Filter filter);
     void removeOldVersion(const vorla::StoreFolder& folder);
     void removeCrashFiles(const vorla::StoreFolder& folder);
-    std::vector<CvrSummaryInfo> readUserInfos(const vorla::StoreFolder& folder) const;
+    static std::vector<CvrSummaryInfo> readUserInfos(const vorla::StoreFolder& folder);
+    void mergeUserInfosLocked(const vorla::StoreFolder& folder);
+    void noteForHandlerLocked();
 
     CvrModelBase& model_;
     mutable std::recursive_mutex mutex_;
@@ -127,10 +131,13 @@ class CvrFilePersistHandler {
     vorla::StoreFolder::Origin origin_ = vorla::StoreFolder::Origin::Default;
     Entries allCrashMetas_;
     std::vector<CvrSummaryInfo> allUserInfos_;
-    /// Deleted since the file was written last.
+    /// Added and deleted since the file was written last.
+    std::vector<CvrSummaryInfo> unsavedUserInfos_;
     std::vector<CvrSummaryInfo> deletedUserInfos_;
     bool userinfoChanged_ = false;
     bool dataLoaded_ = false;
     std::shared_ptr<const CvrLocalStrategy> commonStrategyData_;
     bool strategyLoaded_ = false;
+    mutable std::mutex preparedMutex_;
+    Prepared prepared_;
 };

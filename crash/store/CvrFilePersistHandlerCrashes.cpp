@@ -32,6 +32,8 @@ bool CvrFilePersistHandler::saveOneCrash(const CvrExpObj& exp) {
         CvrLogError("<ERROR> CVR: **CVR File Persist**faield to save crash in encoding");
         return false;
     }
+    // What an older version has left must be gone before, or this one would go with it.
+    loadAllDatas();
     bool saved = false;
     std::string file;
     const bool written = changeIndex([&](const StoreFolder& folder) {

@@ -3,6 +3,7 @@
 
 #include "crash/CvrLog.h"
 #include "crash/store/CvrFilePersistHandler.h"
+#include "platform/base/VLLog.h"
 
 namespace {
 
@@ -36,8 +37,7 @@ std::string archived(const std::vector<CvrSummaryInfo>& infos) {
 
 }  // namespace
 
-std::vector<CvrSummaryInfo> CvrFilePersistHandler::readUserInfos(
-    const vorla::StoreFolder& folder) const {
+std::vector<CvrSummaryInfo> CvrFilePersistHandler::readUserInfos(const vorla::StoreFolder& folder) {
     std::vector<CvrSummaryInfo> infos;
     const auto bytes = folder.read(userInfoName, largestFile);
     const auto archives =
@@ -54,8 +54,11 @@ bool CvrFilePersistHandler::saveOneData(const CvrSummaryInfo& info) {
     {
         const std::lock_guard guard(mutex_);
         allUserInfos_.push_back(info);
+        unsavedUserInfos_.push_back(info);
         keepLast(allUserInfos_);
+        keepLast(unsavedUserInfos_);
         userinfoChanged_ = true;
+        noteForHandlerLocked();
     }
     changed();
     return true;
@@ -64,12 +67,16 @@ bool CvrFilePersistHandler::saveOneData(const CvrSummaryInfo& info) {
 bool CvrFilePersistHandler::deleteDatas(const std::vector<CvrSummaryInfo>& infos) {
     {
         const std::lock_guard guard(mutex_);
-        std::erase_if(allUserInfos_,
-                      [&](const CvrSummaryInfo& one) { return contains(infos, one); });
+        const auto isDeleted = [&](const CvrSummaryInfo& one) { return contains(infos, one); };
+        std::erase_if(allUserInfos_, isDeleted);
+        std::erase_if(unsavedUserInfos_, isDeleted);
         deletedUserInfos_.insert(deletedUserInfos_.end(), infos.begin(), infos.end());
+        keepLast(deletedUserInfos_);
         userinfoChanged_ = true;
+        noteForHandlerLocked();
     }
     persistAllUserInfoDatas();
+    changed();
     return true;
 }
 
@@ -83,30 +90,54 @@ size_t CvrFilePersistHandler::getCurrSize() const {
     return allUserInfos_.size();
 }
 
+// What is on disk counts: another process of this host may have added records, or have sent and
+// deleted some. Only our own news come on top.
+void CvrFilePersistHandler::mergeUserInfosLocked(const vorla::StoreFolder& folder) {
+    std::vector<CvrSummaryInfo> merged = readUserInfos(folder);
+    std::erase_if(merged, [&](const CvrSummaryInfo& one) {
+        return contains(deletedUserInfos_, one) || contains(unsavedUserInfos_, one);
+    });
+    merged.insert(merged.end(), unsavedUserInfos_.begin(), unsavedUserInfos_.end());
+    keepLast(merged);
+    allUserInfos_ = std::move(merged);
+    noteForHandlerLocked();
+}
+
+void CvrFilePersistHandler::refreshUserInfoDatas() {
+    loadAllDatas();
+    const std::lock_guard guard(mutex_);
+    const auto folder = openFolder();
+    if (folder) mergeUserInfosLocked(*folder);
+}
+
 void CvrFilePersistHandler::persistAllUserInfoDatas() {
+    loadAllDatas();
+    const vorla::LogHold hold;
     {
         const std::lock_guard guard(mutex_);
         if (!userinfoChanged_) return;
         const auto folder = openFolder();
         if (!folder) return;
         const auto lock = folder->lock(std::chrono::milliseconds(200));
-        // What another process of this host has added meanwhile stays.
-        std::vector<CvrSummaryInfo> stored = readUserInfos(*folder);
-        std::erase_if(stored, [&](const CvrSummaryInfo& one) {
-            return contains(deletedUserInfos_, one) || contains(allUserInfos_, one);
-        });
-        stored.insert(stored.end(), allUserInfos_.begin(), allUserInfos_.end());
-        keepLast(stored);
-        if (!folder->write(userInfoName, archived(stored))) return;
+        mergeUserInfosLocked(*folder);
+        if (!folder->write(userInfoName, archived(allUserInfos_))) return;
         CvrLogInfo("<INFO> CVR: Persist userinfo data with count %d",
-                   static_cast<int>(stored.size()));
+                   static_cast<int>(allUserInfos_.size()));
         userinfoChanged_ = false;
+        unsavedUserInfos_.clear();
         deletedUserInfos_.clear();
+        noteForHandlerLocked();
     }
     changed();
 }
 
+void CvrFilePersistHandler::noteForHandlerLocked() {
+    Prepared next{folder_, userinfoChanged_ ? archived(allUserInfos_) : std::string()};
+    const std::lock_guard guard(preparedMutex_);
+    prepared_ = std::move(next);
+}
+
 CvrFilePersistHandler::Prepared CvrFilePersistHandler::prepared() const {
-    const std::lock_guard guard(mutex_);
-    return {folder_, userinfoChanged_ ? archived(allUserInfos_) : std::string()};
+    const std::lock_guard guard(preparedMutex_);
+    return prepared_;
 }

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <asio/post.hpp>
+#include <asio/steady_timer.hpp>
 #include <asio/thread_pool.hpp>
 #include <mutex>
 #include <optional>
@@ -70,12 +71,24 @@ DispatchQueue& DispatchQueue::global() {
 }
 
 void DispatchQueue::async(Task task) {
-    asio::post(state_->runningPool(), [task = std::move(task), label = state_->label] {
+    asio::post(state_->runningPool(), named(std::move(task)));
+}
+
+void DispatchQueue::asyncAfter(std::chrono::milliseconds delay, Task task) {
+    const auto timer = std::make_shared<asio::steady_timer>(state_->runningPool(), delay);
+    timer->async_wait([timer, task = named(std::move(task))](const asio::error_code& stopped) {
+        if (!stopped) task();
+    });
+}
+
+/// The task, on a thread that has its name.
+DispatchQueue::Task DispatchQueue::named(Task task) const {
+    return [task = std::move(task), label = state_->label] {
         thread_local bool named = false;
         if (!std::exchange(named, true))
             pthread_setname_np(pthread_self(), label.substr(0, 15).c_str());
         task();
-    });
+    };
 }
 
 }  // namespace vorla

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -28,9 +29,12 @@ class DispatchQueue {
 
     /// Throws std::system_error when the queue's first thread cannot be started.
     void async(Task task);
+    /// The same once the delay is over. Time that the machine sleeps does not count.
+    void asyncAfter(std::chrono::milliseconds delay, Task task);
 
  private:
     DispatchQueue(std::string label, unsigned threads);
+    [[nodiscard]] Task named(Task task) const;
     struct State;
     std::unique_ptr<State> state_;
     template <typename T>

@@ -1,0 +1,175 @@
+#include "editor/items/VLSelectedTextView.h"
+
+#include <QGuiApplication>
+#include <QInputMethod>
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QPainter>
+#include <QScrollBar>
+#include <QStyleHints>
+#include <QTextBlock>
+#include <QTextLayout>
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "editor/items/VLLayoutManager.h"
+#include "platform/view/VLView.h"
+
+VLSelectedTextView::VLSelectedTextView(std::shared_ptr<VLLayoutManager> layoutManager,
+                                       VLView& superview)
+    : QTextEdit(&superview), layoutManager_(std::move(layoutManager)), superview_(superview) {
+    setFrameShape(NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setWordWrapMode(QTextOption::NoWrap);
+    setLineWrapMode(FixedPixelWidth);  // has lines that run to the left end at the right
+    setAttribute(Qt::WA_TranslucentBackground);
+    viewport()->setAutoFillBackground(false);
+    setAcceptRichText(false);
+    setAcceptDrops(false);
+    setContextMenuPolicy(Qt::NoContextMenu);
+    setCursorWidth(0);  // the toolkit's caret has no colour
+    setDocument(&layoutManager_->document());
+    connect(this, &QTextEdit::cursorPositionChanged, this, [this] { restartCaret(); });
+    connect(document(), &QTextDocument::contentsChanged, this, [this] {
+        if (onTextDidChange) onTextDidChange();
+    });
+    connect(&caretBlink_, &QTimer::timeout, this, [this] {
+        caretShown_ = !caretShown_;
+        viewport()->update(caretRect());
+    });
+}
+
+VLSelectedTextView::~VLSelectedTextView() {
+    document()->disconnect(this);
+    setDocument(nullptr);  // it may end before the base does
+}
+
+void VLSelectedTextView::setTextFrame(const VLRect& frame) {
+    // The edit view may begin between two whole units of its widget; the document makes up for it.
+    const VLPoint inWindow = superview_.convertPointToWindow({frame.x, frame.maxY()});
+    const QWidget* window = superview_.window();
+    const QPointF corner =
+        superview_.mapFrom(window, QPointF(inWindow.x, window->height() - inWindow.y)) -
+        QPointF(kMargin, kMargin);
+    const QPoint whole(static_cast<int>(std::floor(corner.x() + 1e-6)),
+                       static_cast<int>(std::floor(corner.y() + 1e-6)));
+    layoutManager_->setInset(corner - whole + QPointF(kMargin, kMargin));
+    setLineWrapColumnOrWidth(static_cast<int>(document()->textWidth()));
+    setGeometry(QRect(whole, QSize(static_cast<int>(std::ceil(frame.width + 2 * kMargin)) + 1,
+                                   static_cast<int>(std::ceil(frame.height + 2 * kMargin)) + 1)));
+    updateMicroFocus();
+}
+
+void VLSelectedTextView::setColor(const QColor& color) {
+    QPalette colors = palette();
+    QColor highlight = colors.color(QPalette::Active, QPalette::Highlight);
+    highlight.setAlpha(110);
+    colors.setColor(QPalette::Base, Qt::transparent);
+    colors.setColor(QPalette::Text, color);
+    colors.setColor(QPalette::HighlightedText, color);
+    colors.setColor(QPalette::Highlight, highlight);
+    setPalette(colors);
+}
+
+void VLSelectedTextView::finishComposition() {
+    const auto composed = [this] { return textCursor().block().layout()->preeditAreaText(); };
+    if (composed().isEmpty()) return;
+    QGuiApplication::inputMethod()->commit();
+    if (composed().isEmpty()) return;
+    // An input method that keeps it to itself.
+    QInputMethodEvent rest;
+    rest.setCommitString(composed());
+    inputMethodEvent(&rest);
+}
+
+// Caret ----------------------------------------------------------------------------------------
+
+QRect VLSelectedTextView::caretRect() const {
+    const QRect line = cursorRect();
+    const int width = std::clamp(line.height() / 24, 1, 3);
+    return {line.x(), line.y(), width, line.height()};
+}
+
+void VLSelectedTextView::restartCaret() {
+    viewport()->update();
+    caretShown_ = hasFocus() && !caretHiddenByInputMethod_;
+    const int flashTime = QGuiApplication::styleHints()->cursorFlashTime();
+    if (caretShown_ && flashTime > 1)
+        caretBlink_.start(flashTime / 2);
+    else
+        caretBlink_.stop();
+}
+
+void VLSelectedTextView::paintEvent(QPaintEvent* event) {
+    QTextEdit::paintEvent(event);
+    if (!caretShown_) return;
+    QPainter painter(viewport());
+    painter.fillRect(caretRect(), palette().color(QPalette::Text));
+}
+
+void VLSelectedTextView::focusInEvent(QFocusEvent* event) {
+    QTextEdit::focusInEvent(event);
+    restartCaret();
+}
+
+void VLSelectedTextView::focusOutEvent(QFocusEvent* event) {
+    QTextEdit::focusOutEvent(event);
+    restartCaret();
+}
+
+// Input ----------------------------------------------------------------------------------------
+
+void VLSelectedTextView::keyPressEvent(QKeyEvent* event) {
+    const bool undo = event->matches(QKeySequence::Undo);
+    const bool redo = event->matches(QKeySequence::Redo);
+    // What was not typed here is the canvas's to undo.
+    if ((undo && !document()->isUndoAvailable()) || (redo && !document()->isRedoAvailable()))
+        event->ignore();
+    else
+        QTextEdit::keyPressEvent(event);
+    restartCaret();
+}
+
+void VLSelectedTextView::inputMethodEvent(QInputMethodEvent* event) {
+    caretHiddenByInputMethod_ = false;
+    for (const QInputMethodEvent::Attribute& attribute : event->attributes())
+        if (attribute.type == QInputMethodEvent::Cursor && attribute.length == 0)
+            caretHiddenByInputMethod_ = true;
+    QTextEdit::inputMethodEvent(event);
+    if (onTextDidChange) onTextDidChange();
+    restartCaret();
+}
+
+void VLSelectedTextView::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::RightButton) {
+        event->ignore();
+        return;
+    }
+    if (event->button() == Qt::LeftButton && !(event->modifiers() & Qt::ShiftModifier)) {
+        // A press on selected text begins a new selection, never a drag out of the capture.
+        QTextCursor cursor = textCursor();
+        cursor.clearSelection();
+        setTextCursor(cursor);
+    }
+    QTextEdit::mousePressEvent(event);
+}
+
+void VLSelectedTextView::mouseMoveEvent(QMouseEvent* event) {
+    QTextEdit::mouseMoveEvent(event);
+    if (event->buttons() == Qt::NoButton) event->ignore();  // the edit view chooses the cursor
+}
+
+void VLSelectedTextView::wheelEvent(QWheelEvent* event) {
+    event->ignore();
+}
+
+QMimeData* VLSelectedTextView::createMimeDataFromSelection() const {
+    auto data = std::make_unique<QMimeData>();
+    QString text = textCursor().selectedText();
+    text.replace(QChar::ParagraphSeparator, u'\n').replace(QChar::LineSeparator, u'\n');
+    data->setText(text);
+    return data.release();
+}

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QTextEdit>
+#include <QTimer>
+#include <functional>
+#include <memory>
+
+#include "platform/base/geometry.h"
+
+class VLLayoutManager;
+class VLView;
+
+/// Where the user types the text of an item: caret, selection, clipboard and input methods.
+///
+/// It lies in the edit view over the item's place, draws the item's own text and stays clear
+/// elsewhere. The widget is wider than the text by `kMargin` on each side, for the caret and for
+/// glyphs that lean out. Presses of other buttons than the left, and keys that mean nothing to a
+/// text, go on to the edit view.
+class VLSelectedTextView : public QTextEdit {
+ public:
+    static constexpr double kMargin = 5.0;
+
+    /// Edits the manager's document, and keeps it for as long. The superview owns the view.
+    VLSelectedTextView(std::shared_ptr<VLLayoutManager> layoutManager, VLView& superview);
+    ~VLSelectedTextView() override;
+
+    /// Puts the text's lower left corner, and its size, at a rectangle of the edit view.
+    void setTextFrame(const VLRect& frame);
+    /// The colour of text and caret.
+    void setColor(const QColor& color);
+
+    /// Ends a composition of an input method; what is shown of it becomes text.
+    void finishComposition();
+
+    /// Called when the text, or a composition in it, has changed.
+    std::function<void()> onTextDidChange;
+
+    /// Where the last empty selection was: the end of a selection that stays when it grows.
+    int lastAnchorPoint = 0;
+
+ protected:
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    [[nodiscard]] QMimeData* createMimeDataFromSelection() const override;
+
+ private:
+    [[nodiscard]] QRect caretRect() const;
+    void restartCaret();
+
+    std::shared_ptr<VLLayoutManager> layoutManager_;
+    VLView& superview_;
+    QTimer caretBlink_;
+    bool caretShown_ = false;
+    /// An input method may draw a caret of its own, and asks for none then.
+    bool caretHiddenByInputMethod_ = false;
+};
