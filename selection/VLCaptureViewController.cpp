@@ -4,7 +4,9 @@
 
 #include "imaging/ImagePart.h"
 #include "platform/base/VLLog.h"
+#include "platform/view/VLPanel.h"
 #include "platform/view/drawing.h"
+#include "toolbar/toolbarPlacement.h"
 #include "windows/VLCaptureWindowInfo.h"
 
 using vorla::Notification;
@@ -102,13 +104,15 @@ void VLCaptureViewController::didConfirmSelection() {
     NotificationCenter::defaultCenter().post(VLNotificationCaptureDidConfirmSelection,
                                              static_cast<const VLCaptureViewController*>(this));
     if (magifierView_) magifierView_->hide();
+    if (needScreenCapture_) showToolbar();
 }
 
 void VLCaptureViewController::mouseLocationDidUpdate(VLPoint location, bool needShowMagnifier) {
     if (!magifierView_ || !backgroundImageView_) return;
-    if (backgroundImageView_->bounds().containsPoint(location))
-        magifierView_->setMouseLocation(location);
+    const bool inside = backgroundImageView_->bounds().containsPoint(location);
+    if (inside) magifierView_->setMouseLocation(location);
     magifierView_->setHidden(!needShowMagnifier);
+    if (inside) hideToolbar();
 }
 
 void VLCaptureViewController::selectionDidChange() {
@@ -124,6 +128,40 @@ std::shared_ptr<VLCaptureWindowInfo> VLCaptureViewController::windowInfoAtPostio
 void VLCaptureViewController::gotActiveWindowInfo(
     const std::shared_ptr<VLCaptureWindowInfo>& info) {
     imageCaptured_ = info ? info->windowImage() : QImage();
+}
+
+// The toolbar ----------------------------------------------------------------------------------
+
+const std::shared_ptr<VLToolbarWindowController>&
+VLCaptureViewController::toolbarWindowController() {
+    if (!toolbarWindowController_) toolbarWindowController_ = VLToolbarWindowController::create({});
+    return toolbarWindowController_;
+}
+
+void VLCaptureViewController::showToolbar() {
+    VLOverlayPanel* toolbar = toolbarWindowController()->window();
+    VLPanel* panel = captureView_ ? captureView_->panel() : nullptr;
+    if (!toolbar || !panel) return;
+    if (toolbar->hasParent()) {
+        VLLog("%s - toolbarViewController 已经显示", __func__);
+        return;
+    }
+    toolbarWindowController_->setPosition(findToolbarPosition());
+    panel->addChild(toolbar);
+}
+
+void VLCaptureViewController::hideToolbar() {
+    VLOverlayPanel* toolbar =
+        toolbarWindowController_ ? toolbarWindowController_->window() : nullptr;
+    if (!toolbar || !toolbar->hasParent()) return;
+    toolbar->orderOut();
+    toolbar->removeFromParent();
+}
+
+VLPoint VLCaptureViewController::findToolbarPosition() {
+    const VLOverlayPanel* toolbar = toolbarWindowController()->window();
+    const VLSize size = toolbar ? toolbar->frame().size() : VLSize{};
+    return toolbarOrigin(captureView_->selectedRect(), size, captureView_->bounds());
 }
 
 // Broadcasts -----------------------------------------------------------------------------------

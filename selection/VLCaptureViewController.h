@@ -9,6 +9,7 @@
 #include "selection/VLCaptureMagnifierView.h"
 #include "selection/VLCaptureSizeInfoView.h"
 #include "selection/VLCaptureView.h"
+#include "toolbar/VLToolbarWindowController.h"
 
 class VLCaptureWindowInfo;
 
@@ -41,6 +42,8 @@ class VLCaptureViewController : public VLCaptureViewDelegate,
     [[nodiscard]] VLCaptureView* captureView() const { return captureView_; }
     [[nodiscard]] VLCaptureMagnifierView* magifierView() const { return magifierView_; }
     VLCaptureSizeInfoView* sizeInfoView();
+    /// Made at the first reading.
+    const std::shared_ptr<VLToolbarWindowController>& toolbarWindowController();
 
     /// Whether this screen still takes part.
     [[nodiscard]] bool needSelectRect() const { return needScreenCapture_; }
@@ -50,6 +53,12 @@ class VLCaptureViewController : public VLCaptureViewDelegate,
     QImage imageCaptured();
 
     void configAppearanceAndLayout();
+
+    /// Puts the toolbar beside the selection; a shown one stays where it is.
+    void showToolbar();
+    void hideToolbar();
+    /// Where the toolbar belongs, local to the screen.
+    [[nodiscard]] VLPoint findToolbarPosition();
 
     void didConfirmSelection() override;
     void mouseLocationDidUpdate(VLPoint location, bool needShowMagnifier) override;
@@ -78,5 +87,6 @@ class VLCaptureViewController : public VLCaptureViewDelegate,
     QPointer<VLCaptureView> captureView_;
     QPointer<VLCaptureMagnifierView> magifierView_;
     QPointer<VLCaptureSizeInfoView> sizeInfoView_;
+    std::shared_ptr<VLToolbarWindowController> toolbarWindowController_;
     vorla::NotificationObservers observers_;
 };

@@ -14,6 +14,7 @@
 
 #include "crash/handler/TextBuffer.h"
 #include "crash/handler/ThreadStopper.h"
+#include "crash/store/StoreFolder.h"
 
 namespace vorla::crash {
 namespace {
@@ -44,9 +45,9 @@ int openLock(const char* path) {
 
 }  // namespace
 
-NewFile::NewFile(int folder, std::string_view temporaryName, Arena& arena) : folder_(folder) {
+NewFile::NewFile(int folder, Arena& arena) : folder_(folder) {
     TextBuffer name(temporaryName_);
-    name.text(temporaryName).text(".").decimal(::getpid()).text(".tmp").text({"", 1});
+    name.text(StoreFolder::unfinishedPrefix).decimal(::getpid()).text("-crash").text({"", 1});
     buffer_ = arena.takeSpan<uint8_t>(bufferSize);
     // Left behind by a process that had our number and was killed.
     ::unlinkat(folder, temporaryName_, 0);
@@ -133,6 +134,7 @@ std::span<const uint8_t> FaultFolder::read(const char* name, size_t largest, Are
         if (count > 0) done += static_cast<size_t>(count);
     }
     ::close(file);
+    errno = 0;
     return done == bytes.size() ? bytes : bytes.first(0);
 }
 

@@ -15,7 +15,7 @@ namespace vorla::crash {
 /// another name, and it removes itself unless it is committed. May run after a fault.
 class NewFile {
  public:
-    NewFile(int folder, std::string_view temporaryName, Arena& arena);
+    NewFile(int folder, Arena& arena);
     NewFile(const NewFile&) = delete;
     NewFile& operator=(const NewFile&) = delete;
     ~NewFile();
@@ -56,7 +56,8 @@ class FaultFolder {
     explicit operator bool() const { return folder_ >= 0; }
     [[nodiscard]] int get() const { return folder_; }
 
-    /// The file's bytes; none when it cannot be read or is larger than `largest`.
+    /// The file's bytes; none when it cannot be read or is larger than `largest`, with errno ENOENT
+    /// when there is no such file.
     std::span<const uint8_t> read(const char* name, size_t largest, Arena& arena) const;
 
  private:

@@ -49,6 +49,10 @@ std::atomic<pid_t> handlingThread{0};
 std::atomic<int> crashCount{0};
 std::atomic<bool> crashOver{false};
 
+/// What the first attempt had stored already: the second overwrites it.
+ShortText<64> storedFile;
+ShortText<32> storedHash;
+
 PresentCrash present;
 const CvrPreparedCrash nothing;
 
@@ -61,6 +65,8 @@ Role enter(int& count) {
     if (countedProcess.exchange(process) != process) {
         crashCount = 0;
         handlingThread = 0;
+        storedFile.clear();
+        storedHash.clear();
         crashOver = false;
     }
     const pid_t thread = ::gettid();
@@ -229,10 +235,18 @@ void Attempt::store(const Preparation& prepared) {
     facts_.hash = {hash_, sizeof hash_};
     facts_.expUid = {expUid_, sizeof expUid_};
     facts_.machine = MachineFacts::read();
+    facts_.replacedFile = storedFile.view();
+    facts_.replacedHash = storedHash.view();
     RecordFile record(facts_, folder, arena);
     // A forked child knows the parent's state of long ago.
     if (!isForkedChild(prepared)) record.markCrash();
-    if (isWanted(crash_->crashStack()) && record.save(sessionState().mergeUpload)) notify(record);
+    if (isWanted(crash_->crashStack()) && record.save(sessionState().mergeUpload)) {
+        storedFile.clear();
+        storedFile.text(record.fileName());
+        storedHash.clear();
+        storedHash.text(facts_.hash);
+        notify(record);
+    }
     if (!isForkedChild(prepared)) record.saveUserInfo();
 }
 
@@ -255,11 +269,22 @@ void Attempt::notify(RecordFile& record) {
         if (CvrCrashListener* const hears = listener) hears->onCrashHappened(exp);
 }
 
+/// The host's own signals would run its handlers in the midst of ours, and a limit on the size of
+/// files would end the process. The fatal signals and the guard's stay as they are.
+void blockOtherSignals() {
+    sigset_t others;
+    ::sigfillset(&others);
+    for (const int signal : fatalsigs) ::sigdelset(&others, signal);
+    HandlerGuard::exclude(others);
+    ::pthread_sigmask(SIG_BLOCK, &others, nullptr);
+}
+
 /// The steps between the fault and the end, for the thread that reports it.
 void handle(int signal, siginfo_t* info, ucontext_t* context, int count) {
     if (count > 2) return;
     const HandlerGuard guard(signal);
     publishedStateInUse = true;
+    blockOtherSignals();
     releaseDescriptors();
     const Preparation* const prepared = preparation.get();
     if (!prepared) return;

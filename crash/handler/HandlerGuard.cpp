@@ -58,6 +58,10 @@ HandlerGuard::~HandlerGuard() {
         if (timer >= 0) ::syscall(SYS_timer_delete, timer);
 }
 
+void HandlerGuard::exclude(sigset_t& signals) {
+    ::sigdelset(&signals, guardSignal);
+}
+
 void dieBySignal(int signal) {
     struct sigaction byDefault {};
     byDefault.sa_handler = SIG_DFL;

@@ -17,6 +17,9 @@ class HandlerGuard {
     HandlerGuard& operator=(const HandlerGuard&) = delete;
     ~HandlerGuard();
 
+    /// Takes the guard's signal out of a set.
+    static void exclude(sigset_t& signals);
+
  private:
     int timers_[2] = {-1, -1};
 };

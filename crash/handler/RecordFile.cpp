@@ -17,7 +17,6 @@ using Kind = ArchiveReader::Kind;
 
 constexpr size_t largestIndex = size_t{1} << 20;
 constexpr size_t largestRecord = size_t{4} << 20;
-constexpr std::string_view temporaryName = ".crash_";
 constexpr int64_t textAttachment = 11;
 constexpr std::string_view timesFile = "crash_times.log";
 
@@ -100,7 +99,7 @@ bool copyMap(std::span<const uint8_t> map, NewFile& file, IsReplaced isReplaced)
 void RecordFile::markCrash() {
     const CvrPreparedCrash& prepared = *facts_->prepared;
     if (prepared.keyValueFile.empty()) return;
-    NewFile file(folder_->get(), temporaryName, *arena_);
+    NewFile file(folder_->get(), *arena_);
     ArchiveWriter writer(NewFile::sink, &file);
     const std::string& known = prepared.keyValueFileBytes;
     const std::span map(reinterpret_cast<const uint8_t*>(known.data()), known.size());
@@ -121,7 +120,7 @@ void RecordFile::markCrash() {
 void RecordFile::saveUserInfo() {
     const CvrPreparedCrash& prepared = *facts_->prepared;
     if (prepared.userInfoFile.empty() || prepared.userInfoFileBytes.empty()) return;
-    NewFile file(folder_->get(), temporaryName, *arena_);
+    NewFile file(folder_->get(), *arena_);
     file.write(prepared.userInfoFileBytes.data(), prepared.userInfoFileBytes.size());
     file.commit(nameOf(prepared.userInfoFile), NewFile::Existing::Replace);
 }
@@ -145,7 +144,7 @@ bool RecordFile::save(bool merge) {
 
 bool RecordFile::writeNew() {
     const auto existing = fileName_.length() ? NewFile::Existing::Replace : NewFile::Existing::Keep;
-    NewFile file(folder_->get(), temporaryName, *arena_);
+    NewFile file(folder_->get(), *arena_);
     ArchiveWriter writer(NewFile::sink, &file);
     writeRecord(writer);
     if (existing == NewFile::Existing::Replace)
@@ -164,15 +163,17 @@ bool RecordFile::writeNew() {
 }
 
 bool RecordFile::addToIndex(int64_t time, bool hasNew, bool uplaoded) {
-    NewFile file(folder_->get(), temporaryName, *arena_);
-    ArchiveWriter writer(NewFile::sink, &file);
-    const auto isThis = [&](std::string_view key, auto) { return key == facts_->hash; };
     const auto index = readIndex();
-    // An index that is damaged starts anew; the module finds the records that it knew of.
-    if (ArchiveReader::isWhole(index, Kind::Map))
-        copyMap(index, file, isThis);
-    else
+    // The module makes a damaged index anew from the files.
+    if (index.empty() && errno != ENOENT) return true;
+    NewFile file(folder_->get(), *arena_);
+    ArchiveWriter writer(NewFile::sink, &file);
+    if (index.empty())
         writer.beginMap();
+    else if (!copyMap(index, file, [&](std::string_view key, auto) {
+                 return key == facts_->hash || key == facts_->replacedHash;
+             }))
+        return true;
     const auto meta = arena_->takeSpan<char>(512);
     TextBuffer encoded(meta);
     ArchiveWriter metaWriter(
@@ -320,7 +321,7 @@ bool RecordFile::writeMerged(std::string_view meta) {
         return false;
     }
     const auto old = folder_->read(fileName_.view().data(), largestRecord, *arena_);
-    NewFile file(folder_->get(), temporaryName, *arena_);
+    NewFile file(folder_->get(), *arena_);
     ArchiveWriter writer(NewFile::sink, &file);
     std::span<const uint8_t> attachments;
     std::span<const uint8_t> values;

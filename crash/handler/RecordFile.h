@@ -20,6 +20,8 @@ struct CrashFacts {
     std::string_view handlerEvent;
     std::string_view hash;
     std::string_view expUid;
+    /// The hash of the record that this one takes the place of, and its file's name.
+    std::string_view replacedHash, replacedFile;
     MachineFacts machine;
 
     /// The crash's time by the server's clock.
@@ -30,7 +32,9 @@ struct CrashFacts {
 class RecordFile {
  public:
     RecordFile(const CrashFacts& facts, const FaultFolder& folder, Arena& arena)
-        : facts_(&facts), folder_(&folder), arena_(&arena) {}
+        : facts_(&facts), folder_(&folder), arena_(&arena) {
+        if (!facts.replacedFile.empty()) fileName_.text(facts.replacedFile).text({"", 1});
+    }
 
     /// The first traces of a crash: its time, and that there was one.
     void markCrash();
@@ -39,6 +43,12 @@ class RecordFile {
     bool save(bool merge);
     /// Writes the user records that were not on disk yet.
     void saveUserInfo();
+    /// The record's file, once it is saved and was not merged.
+    [[nodiscard]] std::string_view fileName() const {
+        return merged_ || fileName_.length() == 0
+                   ? std::string_view()
+                   : fileName_.view().substr(0, fileName_.length() - 1);
+    }
 
  private:
     bool writeNew();

@@ -41,12 +41,39 @@ struct FileIdentity {
     }
 };
 
-std::optional<UserDefaults::Value> valueOf(const json& stored) {
+std::optional<UserDefaults::Scalar> scalarOf(const json& stored) {
     if (stored.is_boolean()) return stored.get<bool>();
     if (stored.is_number_integer()) return stored.get<int64_t>();
     if (stored.is_number_float()) return stored.get<double>();
     if (stored.is_string()) return stored.get<std::string>();
     return std::nullopt;
+}
+
+std::optional<UserDefaults::Value> valueOf(const json& stored) {
+    if (stored.is_object()) {
+        UserDefaults::Dictionary members;
+        for (const auto& [key, member] : stored.items())
+            if (auto scalar = scalarOf(member)) members.emplace(key, *std::move(scalar));
+        return members;
+    }
+    const auto scalar = scalarOf(stored);
+    if (!scalar) return std::nullopt;
+    return std::visit([](auto&& v) { return UserDefaults::Value(v); }, *scalar);
+}
+
+json storedForm(const UserDefaults::Value& value) {
+    return std::visit(
+        []<typename T>(const T& stored) -> json {
+            if constexpr (std::is_same_v<T, UserDefaults::Dictionary>) {
+                json object = json::object();
+                for (const auto& [key, member] : stored)
+                    object[key] = std::visit([](const auto& m) { return json(m); }, member);
+                return object;
+            } else {
+                return stored;
+            }
+        },
+        value);
 }
 
 json parsedObject(const std::string& text) {
@@ -160,7 +187,7 @@ std::optional<UserDefaults::Value> UserDefaults::objectForKey(std::string_view k
 
 void UserDefaults::setObject(std::string_view key, Value value) {
     const std::lock_guard lock(state_->mutex);
-    state_->unsaved[std::string(key)] = std::visit([](auto&& v) { return json(v); }, value);
+    state_->unsaved[std::string(key)] = storedForm(value);
 }
 
 void UserDefaults::removeObjectForKey(std::string_view key) {

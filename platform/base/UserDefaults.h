@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,7 +10,7 @@
 
 namespace vorla {
 
-/// The user's persistent preferences for this host: a flat map from key to value, kept as one JSON
+/// The user's persistent preferences for this host: a map from key to value, kept as one JSON
 /// object in a file.
 ///
 /// A write takes effect in this object at once and reaches the file with `synchronize`, which
@@ -21,7 +22,10 @@ namespace vorla {
 /// that keeps the lock for longer than a second is not waited for. Any thread.
 class UserDefaults {
  public:
-    using Value = std::variant<bool, int64_t, double, std::string>;
+    using Scalar = std::variant<bool, int64_t, double, std::string>;
+    /// A dictionary read from the file leaves out members of other kinds.
+    using Dictionary = std::map<std::string, Scalar, std::less<>>;
+    using Value = std::variant<bool, int64_t, double, std::string, Dictionary>;
 
     /// Preferences in the given file; its directories are made by the first write.
     explicit UserDefaults(std::string path);

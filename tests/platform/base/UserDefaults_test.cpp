@@ -39,6 +39,8 @@ TEST_F(Defaults, EveryKindOfValueSurvives) {
         {"whole real", 2.0},
         {"text", std::string("\xE6\x88\xAA \"quoted\"\n")},
         {"", std::string()},
+        {"dictionary",
+         UserDefaults::Dictionary{{"width", int64_t{3}}, {"colour", std::string("#ff0000")}}},
     };
     UserDefaults first(path_);
     for (const auto& [key, value] : rows) first.setObject(key, value);

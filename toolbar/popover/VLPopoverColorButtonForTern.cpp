@@ -1,0 +1,22 @@
+#include "toolbar/popover/VLPopoverColorButtonForTern.h"
+
+#include <QPainter>
+
+void VLPopoverColorButtonForTern::setColor(const QColor& color) {
+    color_ = color;
+    setNeedsDisplay();
+}
+
+void VLPopoverColorButtonForTern::mouseUp(const VLMouseEvent& /*event*/) {
+    setIsSelected(true);
+    performAction();
+}
+
+void VLPopoverColorButtonForTern::drawRect(QPainter& painter, const VLRect& dirtyRect) {
+    const QRectF dirty(dirtyRect.x, dirtyRect.y, dirtyRect.width, dirtyRect.height);
+    const QRectF whole(0.0, 0.0, bounds().width, bounds().height);
+    painter.fillRect(dirty.intersected(whole), color_);
+    if (!isSelected()) return;
+    painter.setPen(QPen(borderColor_, 2.0, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    painter.drawRect(whole.adjusted(1.0, 1.0, -1.0, -1.0));
+}

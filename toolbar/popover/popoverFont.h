@@ -1,0 +1,6 @@
+#pragma once
+
+#include <QFont>
+
+/// The system's font in the size (points of the screen) that the pickers write in.
+[[nodiscard]] QFont popoverFont(double size);
