@@ -1,4 +1,4 @@
-#include "crash/CrashReporter.h"
+#include <vorla/CrashReporter.h>
 
 #include <atomic>
 #include <memory>

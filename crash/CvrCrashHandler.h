@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vorla/CrashReporter.h>
+
 #include <mutex>
 #include <string>
 #include <vector>
@@ -7,10 +9,6 @@
 #include "crash/CvrCrashListener.h"
 #include "crash/CvrPreparedCrash.h"
 #include "platform/base/raii.h"
-
-/// A function of the host that is called once a crash's record is stored, in the signal handler.
-/// It may do anything: the guard of the handler ends it.
-extern "C" void (*exp_call_back_func)();
 
 /// Turns what the signal and exception handlers found into a stored record. Any thread.
 class CvrCrashHandler {

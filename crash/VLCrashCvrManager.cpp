@@ -2,9 +2,9 @@
 
 #include <atomic>
 
+#include <vorla/CrashReporter.h>
 #include "NEX/NEX/VLNEXUtilities.h"
 #include "NEX/NEX/VLStatisticManager.h"
-#include "crash/CrashReporter.h"
 #include "platform/base/Bundle.h"
 #include "platform/base/VLLog.h"
 

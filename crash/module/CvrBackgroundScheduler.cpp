@@ -2,9 +2,9 @@
 
 #include <system_error>
 
+#include <vorla/VLPrepareThreadForCrash.h>
 #include "NEX/NEX/ExitGate.h"
 #include "crash/CvrLog.h"
-#include "crash/VLPrepareThreadForCrash.h"
 
 namespace {
 

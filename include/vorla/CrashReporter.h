@@ -6,7 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "platform/base/export.h"
+#include <vorla/export.h>
+
+/// Called in the dying program once the record of its crash is on disk; null at first. It runs on
+/// the faulting thread, on the alternate stack: it should do little, may do anything, and is ended
+/// by a guard when it takes too long.
+extern "C" VL_EXPORT void (*exp_call_back_func)();
 
 /// The face of crash reporting to the host: catches the program's death, keeps a report of it on
 /// disk and sends it at the next start, to the address that the information dictionary names under
