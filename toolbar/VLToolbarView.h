@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vorla/VLNotifications.h>
+
 #include <QColor>
 #include <QImage>
 #include <memory>
@@ -9,11 +11,6 @@
 #include "toolbar/GlassView.h"
 #include "toolbar/VLToolbarFunctionButton.h"
 #include "toolbar/VLToolbarGraphButton.h"
-
-/// Posted when annotating begins: a window was clicked, or a tool is used for the first time.
-inline constexpr const char* NotificationEditDidBegin = "notificationeditdidbegin";
-/// Posted when the user gives the capture up. The object is a false `bool`.
-inline constexpr const char* NotificationCaptureDidCancel = "notificationcapturedidcancel";
 
 class VLToolbarViewDelegate {
  public:
