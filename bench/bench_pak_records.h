@@ -1,5 +1,7 @@
 #pragma once
 
+#include <benchmark/benchmark.h>
+
 #include <msgpack.hpp>
 
 #include "NEX/NEX+PAK/SerializationPAK/PakObjectV2.h"
@@ -185,6 +187,31 @@ class DeclaredStat : public PakObjectV2 {
     PAK_FIELD(PakArray, pakv2_p_21_o_entries__b0x9i_VODeclaredStatEntry, entries)
 };
 
+/// Lists as long as they come: numbers, texts and records.
+struct Lists {
+    std::vector<int32_t> numbers;
+    std::vector<std::string> texts;
+    std::vector<StatEntry> entries;
+    MSGPACK_DEFINE(numbers, texts, entries)
+    void writeTo(analyticspak::PakOutputStream& s) const {
+        s.write(numbers, 0);
+        s.write(texts, 1);
+        s.write(entries, 2);
+    }
+    void readFrom(analyticspak::PakInputStream& s) {
+        s.read(numbers, 0);
+        s.read(texts, 1);
+        s.read(entries, 2);
+    }
+};
+
+class DeclaredLists : public PakObjectV2 {
+    PAK_OBJECT_V2(DeclaredLists, "BENCH.Lists")
+    PAK_FIELD(PakArray, pakv2_p_0_r_numbers__b0x9i_VONSNumber, numbers)
+    PAK_FIELD(PakArray, pakv2_p_1_r_texts__b0x9i_VONSString, texts)
+    PAK_FIELD(PakArray, pakv2_p_2_r_entries__b0x9i_VODeclaredStatEntry, entries)
+};
+
 inline Pairs samplePairs() {
     Pairs made;
     for (int i = 0; i < 20; ++i)
@@ -199,5 +226,40 @@ inline Stat sampleStat() {
             {.key = 1000 + i, .first = i * i * 10, .text = i % 10 ? "" : "text"});
     return made;
 }
+
+inline Lists sampleLists() {
+    Lists made;
+    for (int i = 0; i < 1000; ++i) made.numbers.push_back(i * i * (i % 3 - 1));
+    for (int i = 0; i < 300; ++i) made.texts.push_back("text " + std::to_string(i * i));
+    for (int i = 0; i < 300; ++i)
+        made.entries.push_back({.key = 1000 + i, .first = i * i, .text = i % 10 ? "" : "text"});
+    return made;
+}
+
+/// A call into which everything is inlined, whatever a serializer asks for itself, and which is not
+/// inlined into the loop that measures it: otherwise the ratios would tell of inlining alone.
+template <typename Call, typename... Arguments>
+[[gnu::noinline, gnu::flatten]] auto outOfLine(Call call, Arguments&... arguments) {
+    return call(arguments...);
+}
+
+template <typename Make, typename Source>
+void repeat(const std::string& name, Make make, Source source) {
+    benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
+        for (auto _ : state) benchmark::DoNotOptimize(outOfLine(make, source));
+    });
+}
+
+template <typename Run, typename T>
+void add(const std::string& name, Run run, const T& record) {
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [=](benchmark::State& state) { run(state, record); });
+}
+
+// Each serializer is measured in a source file of its own, compiled in the same way.
+void registerCompact();
+void registerObject();
+void registerProtobuf();
+void registerMsgpack();
 
 }  // namespace vorla::bench

@@ -6,13 +6,11 @@
 
 #include "NEX/NEX+PAK/SerializationPAK/PakFailure.h"
 #include "NEX/NEX+PAK/SerializationPAK/PakObject.h"
+#include "NEX/NEX+PAK/SerializationPAK/PakStorageName.h"
 
 using vorla::pakAssert;
 
 namespace {
-
-constexpr std::string_view kPrefix = "pakv2_p_";
-constexpr std::string_view kExtMarker = "__b0x9i_";
 
 constinit PakClass plainClasses[] = {{"NSNumber", PakValue::Kind::Number},
                                      {"NSString", PakValue::Kind::String},
@@ -34,9 +32,9 @@ T& immortal() {
 struct SerializableLock : std::mutex {};
 struct RefObjectLock : std::mutex {};
 
-using ClassProperties = std::unordered_map<std::string, std::unique_ptr<PakPropsDescription>>;
+using ClassProperties = std::unordered_map<const PakClass*, std::unique_ptr<PakPropsDescription>>;
 
-/// From class name to what the storage names of its fields say.
+/// From class to what the storage names of its fields say. Not by name: two classes may have one.
 ClassProperties* pakv2_class_props_descriptions = nullptr;
 
 /// The pieces of a name between its underscores; one more than there are underscores.
@@ -50,10 +48,12 @@ std::vector<std::string_view> pieces(std::string_view name) {
     return result;
 }
 
-PakPropertyInfo parsedStorageName(std::string_view storage) {
+PakPropertyInfo parsedStorageName(std::string_view storage, const PakClass& declaring) {
     PakPropertyInfo info = PakPropertyInfo::propertyInfo();
-    if (const size_t marker = storage.find(kExtMarker); marker != std::string_view::npos) {
-        info.ext = PakPair::pairFromExtStr(storage.substr(marker + kExtMarker.size()));
+    if (const size_t marker = storage.find(vorla::kPakExtMarker);
+        marker != std::string_view::npos) {
+        info.ext = PakPair::pairFromExtStr(storage.substr(marker + vorla::kPakExtMarker.size()),
+                                           &declaring);
         storage = storage.substr(0, marker);
     }
     const auto strs = pieces(storage);
@@ -88,12 +88,24 @@ PakClassEntry::PakClassEntry(PakClass& declared) {
     while (!declaredClasses.compare_exchange_weak(declared.nextClass_, &declared)) continue;
 }
 
-const PakClass* PakClass::named(std::string_view name) {
+const PakClass* PakClass::named(std::string_view name, const PakClass* from) {
     for (const PakClass& plain : plainClasses)
         if (plain.name_ == name) return &plain;
+    std::vector<const PakClass*> found;
     for (const PakClass* each = declaredClasses.load(); each; each = each->nextClass_)
-        if (each->name_ == name) return each;
-    return nullptr;
+        if (each->name_ == name) found.push_back(each);
+    if (found.size() > 1 && from)
+        std::erase_if(found, [&](const PakClass* each) { return !each->isNeighbourOf(*from); });
+    pakAssert(found.size() <= 1, "a class name in a storage name is not unique");
+    return found.empty() ? nullptr : found.front();
+}
+
+bool PakClass::isNeighbourOf(const PakClass& other) const {
+    const auto around = [](const PakClass& one) {
+        const std::string_view scope = one.scope_;
+        return scope.substr(0, scope.rfind(std::string(one.name_) + "]"));
+    };
+    return around(*this) == around(other);
 }
 
 bool PakClass::isSubclassOf(const PakClass& other) const {
@@ -135,8 +147,8 @@ PakPropsDescription PakClass::parsedProperties() const {
     PakPropsDescription properties;
     forEachField([&](const vorla::PakField& field) {
         const std::string_view storage = field.storageName();
-        if (!storage.starts_with(kPrefix)) return;
-        PakPropertyInfo info = parsedStorageName(storage);
+        if (!storage.starts_with(vorla::kPakPrefix)) return;
+        PakPropertyInfo info = parsedStorageName(storage, *this);
         info.type = field.encodedType();
         info.field = fieldWithAccessor(info.name);
         pakAssert(info.field != nullptr, "[self respondsToSelector:NSSelectorFromString(name)]");
@@ -150,7 +162,7 @@ const PakPropsDescription& PakClass::makePropsDescription() const {
     if (!pakv2_class_props_descriptions)
         pakv2_class_props_descriptions = &immortal<ClassProperties>();
     pakAssert(pakv2_class_props_descriptions != nullptr, "pakv2_class_props_descriptions != nil");
-    auto& entry = (*pakv2_class_props_descriptions)[name_];
+    auto& entry = (*pakv2_class_props_descriptions)[this];
     if (!entry) entry = std::make_unique<PakPropsDescription>(parsedProperties());
     properties_.store(entry.get(), std::memory_order_release);
     return *entry;

@@ -14,7 +14,14 @@
 
 namespace vorla {
 class PakField;
+
+/// A text that holds a class's qualified name at its end, followed by "]".
+template <typename Class>
+constexpr const char* pakScope() {
+    return __PRETTY_FUNCTION__;
 }
+
+}  // namespace vorla
 
 /// A class as a value: what the streams and the object layer must know of a kind of value to make
 /// and recognise it. There is one for each kind of plain value and one for each structure, which
@@ -23,13 +30,18 @@ class PakField;
 class PakClass {
  public:
     using Create = PakObjectPtr (*)();
+    using Size = size_t (*)();
 
     constexpr PakClass(const char* name, PakValue::Kind kind) : name_(name), kind_(kind) {}
-    constexpr PakClass(const char* name, PakClass* base, Create create, const char* pakType)
+    /// `scope` tells the places of two classes of one name apart, see `vorla::pakScope`.
+    constexpr PakClass(const char* name, const char* scope, PakClass* base, Create create,
+                       Size size, const char* pakType)
         : name_(name),
           kind_(PakValue::Kind::Object),
+          scope_(scope),
           base_(base),
           create_(create),
+          size_(size),
           pakType_(pakType) {}
     PakClass(const PakClass&) = delete;
     PakClass& operator=(const PakClass&) = delete;
@@ -42,7 +54,10 @@ class PakClass {
 
     /// The class of that name, or null. Plain values go by "NSNumber", "NSString", "NSData",
     /// "NSArray" and "NSDictionary", the names that storage names of fields use.
-    static const PakClass* named(std::string_view name);
+    ///
+    /// Names are unqualified. Of several classes of one name the one in the namespace (or class) of
+    /// `from`, the class that asks, is meant; when that does not decide it, it ends the process.
+    static const PakClass* named(std::string_view name, const PakClass* from = nullptr);
 
     [[nodiscard]] const char* name() const { return name_; }
     [[nodiscard]] PakValue::Kind kind() const { return kind_; }
@@ -51,6 +66,9 @@ class PakClass {
     /// A new instance from the plain constructor, or null for a class of plain values and for one
     /// that cannot be made on its own.
     [[nodiscard]] PakObjectPtr object() const { return create_ ? create_() : nullptr; }
+
+    /// What an instance and its holders take in memory.
+    [[nodiscard]] size_t instanceSize() const { return size_ ? size_() : 0; }
 
     /// Nothing for empty data; otherwise a new instance that has read the data.
     [[nodiscard]] PakObjectPtr fromData(const PakData& data) const;
@@ -87,14 +105,17 @@ class PakClass {
     friend struct PakClassEntry;
     static const vorla::PakField* following(const vorla::PakField& field);
     [[nodiscard]] const vorla::PakField* fieldWithAccessor(std::string_view accessor) const;
+    [[nodiscard]] bool isNeighbourOf(const PakClass& other) const;
     [[nodiscard]] PakPropsDescription parsedProperties() const;
     [[nodiscard]] const PakPropsDescription& makePropsDescription() const;
     [[nodiscard]] const PakObjectPtr& makeRefObject() const;
 
     const char* name_;
     PakValue::Kind kind_;
+    const char* scope_ = "";
     const PakClass* base_ = nullptr;
     Create create_ = nullptr;
+    Size size_ = nullptr;
     const char* pakType_ = nullptr;
     /// The fields in the order of their declaration, linked before `main` begins.
     vorla::PakField* firstField_ = nullptr;

@@ -18,8 +18,8 @@ class NexSerializableException : public std::runtime_error {
 
 namespace vorla {
 
-/// Ends the process with the given text on standard error: a check failed that only our own code
-/// can break, or a trusted stream broke its promise.
+/// Ends the process with the given text, and the place where it came to that, on standard error: a
+/// check failed that only our own code can break, or a trusted stream broke its promise.
 [[noreturn]] void pakFail(const char* text);
 
 /// Raises PakInconsistencyException.
@@ -30,7 +30,7 @@ inline void pakAssert(bool holds, const char* text) {
         pakFail(text);
 }
 
-/// While one of these lives, `pakFail` on its thread raises PakInconsistencyException with the text
+/// While one of these lives, `pakFail` on its thread raises PakInconsistencyException with both
 /// instead of ending the process: for reading what a peer sent with readers that trust their bytes.
 /// May be nested.
 class PakFailuresRaise {
@@ -39,6 +39,28 @@ class PakFailuresRaise {
     ~PakFailuresRaise();
     PakFailuresRaise(const PakFailuresRaise&) = delete;
     PakFailuresRaise& operator=(const PakFailuresRaise&) = delete;
+};
+
+/// Whether a failed check is caught on this thread, by one of those or by a hook.
+bool pakFailuresAreCaught();
+
+/// The structure that is being written or read on this thread, and which of its fields, so that a
+/// failed check can name them. Lives on the stack.
+class PakPlace {
+ public:
+    explicit PakPlace(const char* className);
+    ~PakPlace();
+    PakPlace(const PakPlace&) = delete;
+    PakPlace& operator=(const PakPlace&) = delete;
+
+    void setField(const char* storageName) { field_ = storageName; }
+    /// " at Outer.field, Inner.field", or empty outside of any structure.
+    static std::string description();
+
+ private:
+    const char* className_;
+    const char* field_ = "";
+    PakPlace* outer_;
 };
 
 /// Called by `pakFail` before the process ends. A fuzzer or a test sets one that throws, to go on

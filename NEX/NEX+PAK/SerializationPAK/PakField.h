@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "NEX/NEX+PAK/SerializationPAK/PakFieldTraits.h"
+#include "NEX/NEX+PAK/SerializationPAK/PakStorageName.h"
 
 class PakClass;
 class PakObject;
@@ -78,10 +79,16 @@ class PakTypedField final : public PakField {
 /// The value is reached as `pak_<field>()` and `setPak_<field>(value)`; an initial value may follow
 /// as a fourth argument. Types: bool, the integers up to signed 64 bits, float, double,
 /// std::string, PakData, PakArray, PakDictionary, PakNumber, std::shared_ptr to a structure, and
-/// std::optional of any but numbers and pointers for values that may be absent. What follows the
-/// line is public.
+/// std::optional of any but numbers and pointers for values that may be absent. A storage name that
+/// contradicts the type or the field does not compile. What follows the line is public.
 #define PAK_FIELD(Type, storage, field, ...)                                                \
  public:                                                                                    \
+    static_assert(vorla::pakTagFits(#storage), "a tag is a decimal number from 0 to 255");  \
+    static_assert(vorla::pakNameFits(#storage, #field),                                     \
+                  "a storage name is pakv2_p_<tag>_<r or o>_<field>");                      \
+    static_assert(vorla::pakContentsFit(#storage, vorla::kPakContainer<Type>),              \
+                  "a list or map, and nothing else, ends in __b0x9i_ and what it holds");   \
+    static_assert(!std::same_as<Type, uint64_t>, "unsigned 64 bits cannot be encoded");     \
     [[nodiscard]] const Type& pak_##field() const {                                         \
         return storage;                                                                     \
     }                                                                                       \

@@ -6,7 +6,6 @@
 #include "NEX/NEX+PAK/SerializationPAK/PakClass.h"
 #include "NEX/NEX+PAK/SerializationPAK/PakFailure.h"
 #include "NEX/NEX+PAK/SerializationPAK/PakObject.h"
-#include "NEX/NEX+PAK/SerializationPAK/PakScan.h"
 
 using vorla::pakAssert;
 using vorla::pakFail;
@@ -27,7 +26,7 @@ class PakInputStream::Nesting {
     PakInputStream& stream_;
 };
 
-PakInputStream::PakInputStream(std::span<const uint8_t> source) {
+PakInputStream::PakInputStream(std::span<const uint8_t> source) : budget_(source.size()) {
     constexpr size_t kMost = std::numeric_limits<int32_t>::max();
     streamBuffer_ = const_cast<uint8_t*>(source.data());
     streamSize_ = static_cast<int32_t>(std::min(source.size(), kMost));
@@ -241,6 +240,7 @@ PakObjectPtr PakInputStream::readObject(int32_t tag, bool required, const PakCla
     if (!beginField(tag, required)) return nullptr;
     pakAssert(headType_ == PAK_TYPE_STRUCT_S, "_headType == PAK_TYPE_STRUCT_S");
     const Nesting level(*this);
+    spend(description.instanceSize());
     PakObjectPtr object = description.object();
     if (peakHead() && headTag_ == 0 && headType_ == PAK_TYPE_STRUCT_E) {
         readHead();
@@ -301,14 +301,19 @@ void PakInputStream::skipToStructureEnd() {
     }
 }
 
-size_t PakInputStream::elementsToReserve(int64_t announced) const {
-    using vorla::PakLimits;
-    if (announced <= 0) return 0;
-    const auto count = static_cast<size_t>(announced);
-    if (count <= PakLimits::kUncountedElements) return std::min(count, PakLimits::kReservedUnseen);
-    const std::span<const uint8_t> left(streamBuffer_ + cursor_,
-                                        static_cast<size_t>(streamSize_ - cursor_));
-    return vorla::countWholeFields(left, count);
+void PakInputStream::spendTrusted(size_t memory) {
+    pakAssert(!vorla::pakFailuresAreCaught() && !trusted_, "memory of the stream");
+    trusted_ = true;
+    budget_.add(vorla::PakLimits::kMemoryTrusted);
+    spend(memory);
+}
+
+size_t PakInputStream::elementsToReserve(int64_t announced, PakValue::Kind kind) {
+    const size_t fewestBytes = kind == PakValue::Kind::Number ? 1 : 2;
+    const auto left = static_cast<size_t>(streamSize_ - cursor_) / fewestBytes;
+    const size_t most = announced <= 0 ? 0 : std::min(static_cast<size_t>(announced), left);
+    spend(most * sizeof(PakValue));
+    return most;
 }
 
 std::optional<PakArray> PakInputStream::readArray(int32_t tag, bool required,
@@ -317,10 +322,10 @@ std::optional<PakArray> PakInputStream::readArray(int32_t tag, bool required,
     pakAssert(headType_ == PAK_TYPE_LIST, "_headType == PAK_TYPE_LIST");
     const Nesting level(*this);
     const int64_t count = readInt(0);
-    PakArray array;
-    array.reserve(elementsToReserve(count));
     const PakClass* const expected = description.asClass();
     const auto kind = expected ? expected->kind() : PakValue::Kind::Nothing;
+    PakArray array;
+    array.reserve(elementsToReserve(count, kind));
     for (int64_t i = 0; i < count; ++i) {
         // Numbers and objects, which long lists are mostly made of, are made in their place.
         if (kind == PakValue::Kind::Number) {
@@ -348,8 +353,10 @@ std::optional<PakDictionary> PakInputStream::readDictionary(int32_t tag, bool re
         PakValue value = readAnything(1, true, pair ? pair->value : PakDescription());
         if (!key || !value) continue;
         // Sorted input, the common one, is appended without a search.
+        const size_t before = dictionary.size();
         const auto place =
             dictionary.insert_or_assign(dictionary.end(), std::move(key), PakValue());
+        if (dictionary.size() > before) spend(sizeof *place + vorla::PakLimits::kMapEntry);
         place->second = std::move(value);
     }
     return dictionary;
@@ -358,6 +365,7 @@ std::optional<PakDictionary> PakInputStream::readDictionary(int32_t tag, bool re
 PakValue PakInputStream::readAnything(int32_t tag, bool required,
                                       const PakDescription& description) {
     if (const auto& pair = description.asPair()) {
+        spend(sizeof(PakDictionary) + vorla::PakLimits::kBlock);
         if (pair->key) return readDictionary(tag, required, description);
         return readArray(tag, required, pair->value);
     }

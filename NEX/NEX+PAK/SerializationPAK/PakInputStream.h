@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "NEX/NEX+PAK/SerializationPAK/PakLimits.h"
 #include "NEX/NEX+PAK/SerializationPAK/PakPair.h"
 #include "NEX/NEX+PAK/SerializationPAK/PakStream.h"
 #include "NEX/NEX+PAK/SerializationPAK/PakValue.h"
@@ -14,8 +15,10 @@
 /// cursor stands, nothing is searched for, so unknown fields may only stand behind the known ones;
 /// and bytes that break a promise end the process with the text of the failed check. It never reads
 /// outside its source, whatever the bytes: a field that is cut short counts as absent when its head
-/// is missing and fails with "_cursor + length <= _streamSize" when its payload is. For data that
-/// may be damaged use `analyticspak::PakInputStream`.
+/// is missing and fails with "_cursor + length <= _streamSize" when its payload is. What its
+/// containers and objects take is limited to 16 bytes for each byte of the stream (or 64 KiB, if
+/// that is more) where failures raise (see PakFailuresRaise), and to 64 MiB more where they end the
+/// process. For data that may be damaged use `analyticspak::PakInputStream`.
 ///
 /// Optional results are empty for an absent field (the cursor has then not moved); with `required`
 /// an absent field fails with "required == NO".
@@ -128,12 +131,20 @@ class PakInputStream : public PakStream {
     template <typename Call>
     auto takeNumber(Call call);
     void skipToStructureEnd();
-    [[nodiscard]] size_t elementsToReserve(int64_t announced) const;
+    /// Takes memory from the budget. Bytes that are really trusted get more.
+    void spend(size_t memory) {
+        if (!budget_.spend(memory)) [[unlikely]]
+            spendTrusted(memory);
+    }
+    void spendTrusted(size_t memory);
+    [[nodiscard]] size_t elementsToReserve(int64_t announced, PakValue::Kind kind);
 
     int32_t headType_ = PAK_TYPE_NONE;
     int32_t headTag_ = 0;
     int32_t stringLength_ = 0;
     int nesting_ = 0;
+    vorla::PakBudget budget_;
+    bool trusted_ = false;
     PakData dataHolders_;
 };
 

@@ -26,7 +26,7 @@ std::string valueText(const std::string& type, const vorla::PakField& field,
 
 }  // namespace
 
-constinit PakClass PakObject::pakClass_{"PakObject", nullptr, nullptr, nullptr};
+constinit PakClass PakObject::pakClass_{"PakObject", "", nullptr, nullptr, nullptr, nullptr};
 
 PakObject& PakObject::fromData(const PakData& data) {
     PakInputStream stream{std::span<const uint8_t>(data)};

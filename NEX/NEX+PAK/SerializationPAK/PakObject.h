@@ -8,6 +8,7 @@
 #include "NEX/NEX+PAK/SerializationPAK/PakClass.h"
 #include "NEX/NEX+PAK/SerializationPAK/PakField.h"
 #include "NEX/NEX+PAK/SerializationPAK/PakFormat.h"
+#include "NEX/NEX+PAK/SerializationPAK/PakLimits.h"
 #include "NEX/NEX+PAK/SerializationPAK/PakValue.h"
 
 class PakInputStream;
@@ -71,24 +72,29 @@ std::shared_ptr<T> pakObjectFromData(const PakData& data) {
 /// The first line of a structure's class body. `typeName` is the full name under which it is sent
 /// ("ZB.STStat"), nullptr for one that is not sent by name. The class must have a plain
 /// constructor. What follows the line is public.
-#define PAK_OBJECT(Class, Base, typeName)                                                       \
- public:                                                                                        \
-    using PakSelf = Class;                                                                      \
-    static std::shared_ptr<Class> object() {                                                    \
-        return std::make_shared<Class>();                                                       \
-    }                                                                                           \
-    static const PakClass& pakClass() {                                                         \
-        return pakClass_;                                                                       \
-    }                                                                                           \
-    [[nodiscard]] const PakClass& dynamicClass() const override {                               \
-        return pakClass_;                                                                       \
-    }                                                                                           \
-                                                                                                \
- protected:                                                                                     \
-    static PakObjectPtr pakCreate() {                                                           \
-        return object();                                                                        \
-    }                                                                                           \
-    static inline constinit PakClass pakClass_{#Class, &Base::pakClass_, &pakCreate, typeName}; \
-    static inline const PakClassEntry pakClassEntry_{pakClass_};                                \
-                                                                                                \
+#define PAK_OBJECT(Class, Base, typeName)                                                    \
+ public:                                                                                     \
+    using PakSelf = Class;                                                                   \
+    static std::shared_ptr<Class> object() {                                                 \
+        return std::make_shared<Class>();                                                    \
+    }                                                                                        \
+    static const PakClass& pakClass() {                                                      \
+        return pakClass_;                                                                    \
+    }                                                                                        \
+    [[nodiscard]] const PakClass& dynamicClass() const override {                            \
+        return pakClass_;                                                                    \
+    }                                                                                        \
+                                                                                             \
+ protected:                                                                                  \
+    static PakObjectPtr pakCreate() {                                                        \
+        return object();                                                                     \
+    }                                                                                        \
+    /* With the counters of a shared pointer and the value that holds it in a container. */  \
+    static size_t pakSize() {                                                                \
+        return sizeof(Class) + 4 * vorla::PakLimits::kBlock;                                 \
+    }                                                                                        \
+    static inline constinit PakClass pakClass_{                                              \
+        #Class, vorla::pakScope<Class>(), &Base::pakClass_, &pakCreate, &pakSize, typeName}; \
+    static inline const PakClassEntry pakClassEntry_{pakClass_};                             \
+                                                                                             \
  public:

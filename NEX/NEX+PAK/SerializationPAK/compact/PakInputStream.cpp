@@ -1,9 +1,7 @@
 #include "NEX/NEX+PAK/SerializationPAK/compact/PakInputStream.h"
 
-#include <algorithm>
 #include <cstdio>
 
-#include "NEX/NEX+PAK/SerializationPAK/PakScan.h"
 #include "NEX/NEX+PAK/SerializationPAK/compact/PakDecodeException.h"
 
 namespace analyticspak {
@@ -111,6 +109,15 @@ int64_t PakInputStream::bigEndianNearEnd(size_t width) {
     return value;
 }
 
+void PakInputStream::read(uint32_t& value, uint8_t tag, bool required) {
+    uint8_t type = 0;
+    if (!beginField(tag, required, type)) return;
+    if (type > PAK_TYPE_INT8 && type != PAK_TYPE_ZERO) raiseMismatch("UInt32", tag, type);
+    const int64_t stored = type == PAK_TYPE_ZERO ? 0 : bigEndian(type);
+    if (stored < 0 || stored > UINT32_MAX) raiseDecode("invalid 'UInt32', tag: %d", tag);
+    value = static_cast<uint32_t>(stored);
+}
+
 void PakInputStream::read(float& value, uint8_t tag, bool required) {
     uint8_t type = 0;
     if (!beginField(tag, required, type)) return;
@@ -161,15 +168,6 @@ std::span<const uint8_t> PakInputStream::takeSimpleList(uint8_t tag) {
     return reader_.take(static_cast<size_t>(size));
 }
 
-size_t PakInputStream::elementsToReserve(int32_t announced, size_t elementSize) const {
-    const auto count = static_cast<size_t>(announced);
-    using vorla::PakLimits;
-    const size_t affordable = reader_.left() * PakLimits::kMemoryPerByte / elementSize;
-    if (count <= PakLimits::kUncountedElements)
-        return std::min({count, affordable, PakLimits::kReservedUnseen});
-    return vorla::countWholeFields({reader_.place(), reader_.left()}, std::min(count, affordable));
-}
-
 void PakInputStream::raiseMissing(uint8_t tag) {
     raiseDecode("require field not exist, tag: %d", tag);
 }
@@ -196,6 +194,10 @@ void PakInputStream::raiseMapSize(uint8_t tag, int32_t size) {
 
 void PakInputStream::raiseListSize(uint8_t tag, int32_t size) {
     raiseDecode("invalid list, tag: %d, size: %d", tag, size);
+}
+
+void PakInputStream::raiseBudget(const char* container, uint8_t tag, int32_t size) {
+    raiseDecode("%s too large for its bytes, tag: %d, size: %d", container, tag, size);
 }
 
 }  // namespace analyticspak

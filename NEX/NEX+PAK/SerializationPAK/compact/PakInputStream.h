@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <concepts>
 #include <map>
@@ -7,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "NEX/NEX+PAK/SerializationPAK/PakLimits.h"
 #include "NEX/NEX+PAK/SerializationPAK/compact/PakBuffer.h"
 #include "NEX/NEX+PAK/SerializationPAK/compact/PakOutputStream.h"
 
@@ -22,15 +24,17 @@ concept ReadableRecord = requires(T& record, PakInputStream& stream) {
 
 /// Reads fields from bytes of any origin. Unknown fields before the wanted one are passed over;
 /// nothing is ever looked for behind the cursor. Every failure is a PakDecodeException, and the
-/// stream is then of no further use. Structures, lists and maps may be nested 64 levels deep.
+/// stream is then of no further use. Structures, lists and maps may be nested 64 levels deep, and
+/// take 16 bytes of memory for each byte of the stream (or 64 KiB, if that is more).
 ///
 /// `read` leaves its target alone when the field is absent and not required.
 class PakInputStream {
  public:
-    explicit PakInputStream(std::span<const uint8_t> bytes) : reader_(bytes) {}
+    explicit PakInputStream(std::span<const uint8_t> bytes)
+        : reader_(bytes), budget_(bytes.size()) {}
     /// The bytes must outlive the stream.
     explicit PakInputStream(PakData&& bytes) = delete;
-    PakInputStream(const void* bytes, size_t length) : reader_(bytes, length) {}
+    PakInputStream(const void* bytes, size_t length) : reader_(bytes, length), budget_(length) {}
 
     [[nodiscard]] const BufferReader& reader() const { return reader_; }
 
@@ -56,6 +60,14 @@ class PakInputStream {
     }
     void read(int64_t& value, uint8_t tag, bool required = true) {
         readInteger<PAK_TYPE_INT8>(value, tag, required);
+    }
+    /// A uint32_t needs the form of a long for its upper half; a number outside of its range is
+    /// refused.
+    void read(uint32_t& value, uint8_t tag, bool required = true);
+    void read(bool& value, uint8_t tag, bool required = true) {
+        char stored = value ? 1 : 0;
+        readChar(stored, tag, required);
+        value = stored != 0;
     }
     void read(float& value, uint8_t tag, bool required = true);
     void read(double& value, uint8_t tag, bool required = true);
@@ -86,7 +98,10 @@ class PakInputStream {
             // Sorted input, the common one, is appended without a search.
             const size_t before = map.size();
             const auto place = map.try_emplace(map.end(), std::move(key));
-            if (map.size() == before) place->second = Value{};
+            if (map.size() > before)
+                spend(sizeof *place + vorla::PakLimits::kMapEntry, "map", tag, size);
+            else
+                place->second = Value{};
             read(place->second, 1);
         }
     }
@@ -211,16 +226,32 @@ class PakInputStream {
         const int32_t size = readCount();
         if (size < 0) raiseListSize(tag, size);
         elements.clear();
-        elements.reserve(elementsToReserve(size, sizeof(T)));
+        // As many as really follow, or more than can: then the list fails when the bytes end.
+        const size_t most = std::min(static_cast<size_t>(size), reader_.left() / kFewestBytes<T>);
+        spend(most * sizeof(T), "list", tag, size);
+        elements.reserve(most);
         for (int32_t i = 0; i < size; ++i) {
-            T element{};
-            read(element, 0);
-            elements.push_back(std::move(element));
+            if constexpr (std::same_as<T, bool>) {
+                bool element = false;
+                read(element, 0);
+                elements.push_back(element);
+            } else {
+                read(elements.emplace_back(), 0);
+            }
         }
     }
 
+    /// The fewest bytes that a field of the type takes, its head among them.
+    template <typename T>
+    static constexpr size_t kFewestBytes = std::floating_point<T> ? 1 + sizeof(T)
+                                           : std::integral<T>     ? 1
+                                                                  : 2;
+
     std::span<const uint8_t> takeSimpleList(uint8_t tag);
-    [[nodiscard]] size_t elementsToReserve(int32_t announced, size_t elementSize) const;
+    void spend(size_t memory, const char* container, uint8_t tag, int32_t size) {
+        if (!budget_.spend(memory)) [[unlikely]]
+            raiseBudget(container, tag, size);
+    }
 
     [[noreturn]] static void raiseMissing(uint8_t tag);
     [[noreturn]] static void raiseMissingChar(uint8_t tag);
@@ -229,9 +260,20 @@ class PakInputStream {
     [[noreturn]] static void raiseBytesSize(uint8_t tag, uint8_t type, int32_t size);
     [[noreturn]] static void raiseMapSize(uint8_t tag, int32_t size);
     [[noreturn]] static void raiseListSize(uint8_t tag, int32_t size);
+    [[noreturn]] static void raiseBudget(const char* container, uint8_t tag, int32_t size);
 
     BufferReader reader_;
+    vorla::PakBudget budget_;
     int nesting_ = 0;
 };
+
+/// The record whose fields are these bytes, without a head around.
+template <ReadableRecord T>
+[[nodiscard]] T recordOfBytes(std::span<const uint8_t> bytes) {
+    T record{};
+    PakInputStream stream(bytes);
+    record.readFrom(stream);
+    return record;
+}
 
 }  // namespace analyticspak

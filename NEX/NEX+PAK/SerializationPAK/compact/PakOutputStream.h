@@ -148,4 +148,13 @@ class PakOutputStream {
     BufferWriter writer_;
 };
 
+/// The fields of a record as bytes, without a head around.
+template <WritableRecord T>
+[[nodiscard]] PakData bytesOfRecord(const T& record) {
+    PakOutputStream stream;
+    record.writeTo(stream);
+    const auto bytes = stream.bytes();
+    return {bytes.begin(), bytes.end()};
+}
+
 }  // namespace analyticspak
