@@ -1,6 +1,7 @@
 #include "capture/VLCaptureManager.h"
 
 #include <QCoreApplication>
+#include <algorithm>
 #include <utility>
 
 #include "NEX/NEX/OzuNexManager.h"
@@ -72,33 +73,50 @@ bool VLCaptureManager::startCaptureByRequest(const std::shared_ptr<VLCaptureRequ
         VLLogError("<VLCaptureManager> %s - there is nothing to capture from", __func__);
         return false;
     }
+    if (const std::string obstacle = server->obstacle(); !obstacle.empty()) {
+        VLLog("<VLCaptureManager> %s - %s", __func__, obstacle.c_str());
+        return false;
+    }
     VLLog("<VLCaptureManager> %s - 开始截图", __func__);
     isCapturing_ = true;
     qAddPostRoutine(&VLCaptureManager::endWithApplication);
     request_ = request;
     delegate_ = request->delegate();
-    const auto screens = server->displays();
-    panelsAwaited_ = screens.size();
-    for (const auto& screen : screens) {
-        VLLog("获取屏幕数:%zu", screens.size());
+    screens_ = server->displays();
+    panelsAwaited_ = screens_.size();
+    for (const auto& screen : screens_) {
+        VLLog("获取屏幕数:%zu", screens_.size());
         captureFrame({0.0, 0.0, screen.frame.width, screen.frame.height}, screen);
     }
     addObserver();
     return true;
 }
 
-void VLCaptureManager::captureFrame(const VLRect& frame, const vorla::Display& screen) {
+void VLCaptureManager::captureFrame(const VLRect& /*frame*/, const vorla::Display& screen) {
     // Held weakly: a session that is cancelled before its panels are made must not open them.
-    vorla::MainQueue::post([manager = weak_from_this(), frame, screen] {
+    vorla::MainQueue::post([manager = weak_from_this(), displayID = screen.displayID] {
         const auto self = manager.lock();
-        if (self && self->isCapturing_) self->openPanel(frame, screen);
+        if (!self || !self->isCapturing_) return;
+        self->freezeScreens();
+        self->openPanel(displayID);
     });
 }
 
-void VLCaptureManager::openPanel(const VLRect& frame, const vorla::Display& screen) {
-    const auto controller = VLCaptureWindowController::create(frame, screen);
-    if (!controller) return;
-    windowControllers_.push_back(controller);
+void VLCaptureManager::freezeScreens() {
+    if (screens_.empty()) return;
+    for (const vorla::Display& screen : std::exchange(screens_, {}))
+        if (const auto controller = VLCaptureWindowController::create(
+                {0.0, 0.0, screen.frame.width, screen.frame.height}, screen))
+            windowControllers_.push_back(controller);
+    if (const auto server = WindowServer::shared()) server->keepWindows();
+}
+
+void VLCaptureManager::openPanel(uint32_t displayID) {
+    const auto found =
+        std::ranges::find(windowControllers_, displayID, &VLCaptureWindowController::displayID);
+    if (found == windowControllers_.end()) return;
+    const auto controller = *found;
+    controller->openPanel();
     controller->setDelegate(weak_from_this());
     controller->setPaintedHandler([manager = weak_from_this()] {
         if (const auto self = manager.lock()) self->panelWasPainted();
@@ -143,7 +161,12 @@ void VLCaptureManager::cancelCapture() {
 void VLCaptureManager::captureDidCancel() {
     const auto keptAlive = shared_from_this();
     VLLog("%s 取消截图", __func__);
-    if (const auto delegate = delegate_) delegate->captureRequestDidCancel(*request_);
+    // The host may show a window in the call, or end the session anew: by then nothing covers the
+    // screen, and nobody is left to hear of it twice.
+    const auto delegate = std::exchange(delegate_, nullptr);
+    observers_.clear();
+    cleanCaptureWindow();
+    if (delegate) delegate->captureRequestDidCancel(*request_);
     clean();
 }
 
@@ -172,11 +195,12 @@ void VLCaptureManager::cleanCaptureWindow() {
 
 void VLCaptureManager::clean() {
     const auto keptAlive = shared_from_this();
-    observers_.clear();
-    cleanCaptureWindow();
-    if (isCapturing_ && QCoreApplication::instance())
-        qRemovePostRoutine(&VLCaptureManager::endWithApplication);
-    isCapturing_ = false;
+    // What a session ended long ago still calls must leave the next one's windows alone.
+    if (std::exchange(isCapturing_, false)) {
+        observers_.clear();
+        cleanCaptureWindow();
+        if (QCoreApplication::instance()) qRemovePostRoutine(&VLCaptureManager::endWithApplication);
+    }
     delegate_.reset();
     // A save that ends late must not drop the manager of the next session.
     if (shared().get() == this) shared().reset();

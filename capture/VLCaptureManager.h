@@ -64,7 +64,9 @@ class VLCaptureManager : public VLCaptureWindowControllerDelegate,
     static std::shared_ptr<VLCaptureManager>& shared();
 
     void captureFrame(const VLRect& frame, const vorla::Display& screen);
-    void openPanel(const VLRect& frame, const vorla::Display& screen);
+    /// Reads every screen of the session, before any panel of ours is shown.
+    void freezeScreens();
+    void openPanel(uint32_t displayID);
     void panelWasPainted();
     void addObserver();
     void handleCaptureCancelNotification(const vorla::Notification& notification);
@@ -75,6 +77,7 @@ class VLCaptureManager : public VLCaptureWindowControllerDelegate,
     bool isCapturing_ = false;
     std::shared_ptr<VLCaptureRequest> request_;
     std::shared_ptr<VLCaptureRequestDelegate> delegate_;
+    std::vector<vorla::Display> screens_;  ///< still to be frozen
     std::vector<std::shared_ptr<VLCaptureWindowController>> windowControllers_;
     size_t screenCount_ = 0;
     size_t panelsAwaited_ = 0;

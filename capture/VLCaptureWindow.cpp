@@ -34,6 +34,11 @@ QScreen* toolkitScreen(const vorla::Display& display) {
     return QGuiApplication::primaryScreen();
 }
 
+QRect nativeRect(const vorla::Display& display) {
+    const vorla::PixelRect& frame = display.nativeFrame;
+    return {frame.x, frame.y, frame.width, frame.height};
+}
+
 /// How many closed panels are kept for the next session.
 size_t numberKeptReady = 0;
 
@@ -55,9 +60,10 @@ std::vector<VLCaptureWindow*>& VLCaptureWindow::spares() {
     return panels;
 }
 
-VLCaptureWindow* VLCaptureWindow::takeSpare(QSize size) {
+VLCaptureWindow* VLCaptureWindow::takeSpare(QSize nativeSize) {
     auto& panels = spares();
-    const auto fitting = std::ranges::find(panels, size, [](auto* panel) { return panel->size(); });
+    const auto fitting = std::ranges::find(panels, nativeSize,
+                                           [](auto* panel) { return panel->nativeFrame().size(); });
     if (fitting == panels.end()) return nullptr;
     VLCaptureWindow* panel = *fitting;
     panels.erase(fitting);
@@ -78,7 +84,9 @@ void VLCaptureWindow::keepReady(const std::vector<vorla::Display>& screens) {
         auto panel = std::unique_ptr<VLCaptureWindow>(new VLCaptureWindow);
         panel->observers_.clear();
         panel->shelve();
-        if (QScreen* screen = toolkitScreen(screens[spares().size()])) panel->coverScreen(screen);
+        const vorla::Display& display = screens[spares().size()];
+        if (QScreen* screen = toolkitScreen(display))
+            panel->coverScreen(screen, nativeRect(display));
         panel->prepareBackingStore();
         spares().push_back(panel.release());
     }
@@ -100,7 +108,7 @@ QPointer<VLCaptureWindow> VLCaptureWindow::captureWindowWithFrame(const VLRect& 
                                                                   const vorla::Display& screen) {
     QScreen* target = toolkitScreen(screen);
     if (!target) return nullptr;
-    QPointer<VLCaptureWindow> panel(takeSpare(target->geometry().size()));
+    QPointer<VLCaptureWindow> panel(takeSpare(nativeRect(screen).size()));
     if (!panel) {
         // None fits since the screens have changed: an old one makes room for this one.
         if (!spares().empty()) {
@@ -109,7 +117,7 @@ QPointer<VLCaptureWindow> VLCaptureWindow::captureWindowWithFrame(const VLRect& 
         }
         panel = new VLCaptureWindow;
     }
-    panel->coverScreen(target);
+    panel->coverScreen(target, nativeRect(screen));
     return panel;
 }
 

@@ -47,7 +47,7 @@ class VLCaptureWindow : public VLPanel {
     void observe();
     void cancel();
     static std::vector<VLCaptureWindow*>& spares();
-    static VLCaptureWindow* takeSpare(QSize size);
+    static VLCaptureWindow* takeSpare(QSize nativeSize);
 
     std::weak_ptr<VLCaptureWindowDelegate> windowDelegate_;
     bool responseToReturn_ = false;

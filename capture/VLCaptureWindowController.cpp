@@ -4,6 +4,7 @@
 
 #include "platform/base/Bundle.h"
 #include "platform/base/VLLog.h"
+#include "platform/view/mouseevents.h"
 #include "theme/VLCaptureThemeManager.h"
 #include "windows/VLCaptureUtilities.h"
 
@@ -23,13 +24,17 @@ std::shared_ptr<VLCaptureWindowController> VLCaptureWindowController::create(
     VLLog("<VLCaptureWindowController> %s {{%g, %g}, {%g, %g}}", __func__, frame.x, frame.y,
           frame.width, frame.height);
     if (screen.displayID == 0) return nullptr;
-    std::shared_ptr<VLCaptureWindowController> controller(new VLCaptureWindowController(screen));
-    controller->build(frame);
+    std::shared_ptr<VLCaptureWindowController> controller(
+        new VLCaptureWindowController(frame, screen));
+    controller->windowInfoArray_ =
+        controller->windowInfoArrayOfScreenFrame(controller->screenFrame_);
     return controller;
 }
 
-VLCaptureWindowController::VLCaptureWindowController(const vorla::Display& screen)
-    : screen_(screen),
+VLCaptureWindowController::VLCaptureWindowController(const VLRect& frame,
+                                                     const vorla::Display& screen)
+    : frame_(frame),
+      screen_(screen),
       displayID_(VLCaptureUtilities::displayIDofScreen(screen)),
       scaleFactor_(screen.scale),
       screenFrame_(screen.frame) {}
@@ -39,14 +44,11 @@ VLCaptureWindowController::~VLCaptureWindowController() {
     closeWindow();
 }
 
-void VLCaptureWindowController::build(const VLRect& frame) {
-    windowInfoArray_ = windowInfoArrayOfScreenFrame(screenFrame_);
-    for (const auto& info : windowInfoArray_) info->frozenScreen = screenImage();
-    if (const auto server = WindowServer::shared()) server->keepWindows();
-    window_ = VLCaptureWindow::captureWindowWithFrame(frame, screen_);
+void VLCaptureWindowController::openPanel() {
+    window_ = VLCaptureWindow::captureWindowWithFrame(frame_, screen_);
     if (!window_) return;
     window_->setWindowDelegate(weak_from_this());
-    captureViewController_ = VLCaptureViewController::create(frame, screenImage());
+    captureViewController_ = VLCaptureViewController::create(frame_, frozen_);
     if (captureViewController_) {
         captureViewController_->setDelegate(weak_from_this());
         window_->setContentView(captureViewController_->view());
@@ -54,11 +56,6 @@ void VLCaptureWindowController::build(const VLRect& frame) {
     observers_.observe(NotificationCaptureDidCancel,
                        [this](const Notification&) { captureDidCancel(); });
     registerForChangeThemeNotification();
-}
-
-const QImage& VLCaptureWindowController::screenImage() {
-    if (screenImage_.isNull()) screenImage_ = VLCaptureUtilities::imageOfScreen(screen_);
-    return screenImage_;
 }
 
 void VLCaptureWindowController::registerForChangeThemeNotification() {
@@ -75,6 +72,9 @@ void VLCaptureWindowController::becomeActive() {
     if (!window_) return;
     window_->makeKeyAndOrderFront();
     window_->orderFrontRegardless();
+    if (captureViewController_)
+        captureViewController_->captureView()->pointerIsAt(
+            vorla::pointerLocationInWindow(*window_));
     VLLog("<VLCaptureWindowController> %s", __func__);
 }
 
@@ -98,6 +98,7 @@ std::shared_ptr<VLCaptureWindowInfo> VLCaptureWindowController::recordOfWindow(
     info->name = window.ownerName;
     info->scaleFactor = scaleFactor_;
     info->displayID = displayID_;
+    info->frozenScreen = frozen_.image();
     return info;
 }
 
@@ -105,6 +106,8 @@ std::vector<std::shared_ptr<VLCaptureWindowInfo>>
 VLCaptureWindowController::windowInfoArrayOfScreenFrame(const VLRect& frame) {
     const auto server = WindowServer::shared();
     const auto windows = server ? server->windows(displayID_) : std::nullopt;
+    // Right after the list, so that both tell of the same moment.
+    if (frozen_.isNull()) frozen_ = vorla::FrozenScreen(VLCaptureUtilities::imageOfScreen(screen_));
     if (!windows) return {};
     VLLog("%s 取得屏幕内(%s)的窗口数为 %zu", __func__, screen_.name.c_str(), windows->size());
     const std::string hostName = vorla::HostIdentity::displayName();
@@ -121,7 +124,6 @@ VLCaptureWindowController::windowInfoArrayOfScreenFrame(const VLRect& frame) {
             metKeyWindow = true;
             VLLog("生成当前keyWindow截图， name:%s   windowId:%u", info->name.c_str(),
                   info->windowID);
-            info->frozenScreen = screenImage();
             info->windowImageIsKeyWindow(true);
         }
         records.push_back(info);

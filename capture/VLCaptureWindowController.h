@@ -24,14 +24,14 @@ class VLCaptureWindowControllerDelegate {
 };
 
 /// Everything that a session puts on one screen: the frozen picture, the windows to snap to, the
-/// panel and the surface on it. Main thread.
+/// panel and the surface on it. Reads the screen when it is made and builds the panel later, so
+/// that all screens can be read before anything of ours covers one. Main thread.
 class VLCaptureWindowController : public VLCaptureWindowDelegate,
                                   public VLCaptureViewControllerDelegate,
                                   public std::enable_shared_from_this<VLCaptureWindowController> {
  public:
-    /// Reads the windows and takes the picture, then builds the panel, in that order: nothing of
-    /// ours is in the picture. `frame` has the screen's size at the zero point. Null when there is
-    /// no such screen. Without a picture the panel stays empty.
+    /// Reads the windows and takes the picture. `frame` has the screen's size at the zero point.
+    /// Null when there is no such screen.
     static std::shared_ptr<VLCaptureWindowController> create(const VLRect& frame,
                                                              const vorla::Display& screen);
     ~VLCaptureWindowController() override;
@@ -40,10 +40,13 @@ class VLCaptureWindowController : public VLCaptureWindowDelegate,
         delegate_ = std::move(delegate);
     }
 
-    /// Shows the panel and gives it the keyboard.
+    /// Builds the panel and the surface on it. Without a picture the panel stays empty.
+    void openPanel();
+    /// Shows the panel and gives it the keyboard. The window under the pointer is highlighted.
     void becomeActive();
     void closeWindow();
 
+    [[nodiscard]] uint32_t displayID() const { return displayID_; }
     [[nodiscard]] VLCaptureWindow* window() const { return window_; }
     [[nodiscard]] const std::shared_ptr<VLCaptureViewController>& captureViewController() const {
         return captureViewController_;
@@ -56,7 +59,7 @@ class VLCaptureWindowController : public VLCaptureWindowDelegate,
     void setPaintedHandler(std::function<void()> handler);
 
     /// The windows that the selection may snap to, front to back, and last the Desktop record;
-    /// empty when the window server gave no list. `frame` is the screen's global frame.
+    /// empty when the window server gave no list. The first call also takes the screen's picture. `frame` is the screen's global frame.
     std::vector<std::shared_ptr<VLCaptureWindowInfo>> windowInfoArrayOfScreenFrame(
         const VLRect& frame);
 
@@ -67,21 +70,20 @@ class VLCaptureWindowController : public VLCaptureWindowDelegate,
     void captureDidFinishWithImage(const QImage& image, bool needSave) override;
 
  private:
-    explicit VLCaptureWindowController(const vorla::Display& screen);
-    void build(const VLRect& frame);
+    VLCaptureWindowController(const VLRect& frame, const vorla::Display& screen);
     void registerForChangeThemeNotification();
     void handleChangeThemeNotification();
-    const QImage& screenImage();
     [[nodiscard]] std::shared_ptr<VLCaptureWindowInfo> recordOfWindow(
         const vorla::ServerWindow& window, const VLRect& frame) const;
 
+    VLRect frame_;
     vorla::Display screen_;
     uint32_t displayID_;
     double scaleFactor_;
     VLRect screenFrame_;
     std::weak_ptr<VLCaptureWindowControllerDelegate> delegate_;
     std::vector<std::shared_ptr<VLCaptureWindowInfo>> windowInfoArray_;
-    QImage screenImage_;
+    vorla::FrozenScreen frozen_;
     QPointer<VLCaptureWindow> window_;
     std::shared_ptr<VLCaptureViewController> captureViewController_;
     vorla::NotificationObservers observers_;

@@ -7,8 +7,11 @@ namespace vorla {
 QImage imagePart(const QImage& image, const VLRect& rect) {
     if (image.isNull() || rect.isEmpty()) return {};
     const double scale = image.devicePixelRatio();
+    // Noise of the division by the scale must not take in another row.
+    constexpr double noise = 1e-3;
     const VLRect device =
         VLRect{rect.x * scale, rect.y * scale, rect.width * scale, rect.height * scale}
+            .insetBy(noise, noise)
             .integral()
             .intersection({0.0, 0.0, static_cast<double>(image.width()),
                            static_cast<double>(image.height())});

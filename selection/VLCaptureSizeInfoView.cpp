@@ -70,9 +70,12 @@ VLPoint VLCaptureSizeInfoView::originForRect(const VLRect& rect) const {
 void VLCaptureSizeInfoView::setSelectedRect(const VLRect& rect) {
     setHidden(rect.isZero());
     selectRect_ = rect;
-    sizeView_->setSizeInfoStr(QStringLiteral("%1 * %2")
-                                  .arg(static_cast<long long>(std::floor(rect.width)))
-                                  .arg(static_cast<long long>(std::floor(rect.height))));
+    // A whole number of points may come a hair short of one at scales such as 1.25.
+    const auto points = [](double length) {
+        return static_cast<long long>(std::floor(length + 1e-3));
+    };
+    sizeView_->setSizeInfoStr(
+        QStringLiteral("%1 * %2").arg(points(rect.width)).arg(points(rect.height)));
     VLLogTrace("sizeInfoStr errorWith:{{%g, %g}, {%g, %g}}", rect.x, rect.y, rect.width,
                rect.height);
     setFrameOrigin(originForRect(rect));

@@ -1,7 +1,5 @@
 #include "selection/VLCaptureView.h"
 
-#include <cmath>
-
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/VLLog.h"
 #include "platform/view/VLEventTracker.h"
@@ -20,16 +18,14 @@ constexpr int eventDoubleClick = 1013;
 
 }  // namespace
 
-VLCaptureView::VLCaptureView(const VLRect& frame, QWidget* superview) : VLView(frame, superview) {}
+VLCaptureView::VLCaptureView(const VLRect& frame, const vorla::FrozenScreen& frozen,
+                             QWidget* superview)
+    : VLView(frame, superview), frozen_(frozen) {
+    setOpaque(true);
+}
 
 VLCaptureView::~VLCaptureView() {
     VLCursor::sharedInstance().restoreSystemCursor();
-}
-
-void VLCaptureView::setFrozenImage(const QImage& image) {
-    frozenImage_ = image;
-    setAttribute(Qt::WA_OpaquePaintEvent, !image.isNull());
-    setNeedsDisplay();
 }
 
 void VLCaptureView::setNeedScreenCapture(bool value) {
@@ -52,7 +48,8 @@ void VLCaptureView::setSelectComfirmed(bool value) {
 void VLCaptureView::setNeedDrawControlPoints(bool value) {
     if (needDrawControlPoints_ == value) return;
     needDrawControlPoints_ = value;
-    setNeedsDisplayInRects(selectedItem().damageOfChange({}, selectedRect()));
+    setNeedsDisplayInRects(
+        vorla::damageOfChange({}, pixelSelectedRectInWindow(), selectedItem().reach()));
 }
 
 void VLCaptureView::setNeedDrawSelectedItem(bool value) {
@@ -104,8 +101,9 @@ void VLCaptureView::configAppearanceAndLayout() {
     setNeedsDisplay();
 }
 
-void VLCaptureView::selectionDidChange() {
-    if (const auto delegate = delegate_.lock()) delegate->selectionDidChange();
+void VLCaptureView::selectionDidChange(const VLRect& /*selectedRect*/) {
+    if (const auto delegate = delegate_.lock())
+        delegate->selectionDidChange(pixelSelectedRectInWindow());
 }
 
 void VLCaptureView::updateMouseLocation(VLPoint location, bool needShowMagnifier) {
@@ -123,8 +121,18 @@ std::shared_ptr<VLCaptureWindowInfo> VLCaptureView::windowInfoAtPosition(VLPoint
 void VLCaptureView::mouseMoved(const VLMouseEvent& event) {
     if (!needScreenCapture_ || selectComfirmed_) return;
     cursorUpdate(event);
-    if (selectedItemType_ != VLSelectedItemTypeNone) return;
-    const VLPoint point = convertPointFromWindow(event.locationInWindow);
+    if (selectedItemType_ == VLSelectedItemTypeNone)
+        snapTo(convertPointFromWindow(event.locationInWindow));
+}
+
+void VLCaptureView::pointerIsAt(VLPoint point) {
+    if (!bounds().containsPoint(point)) return;
+    VLMouseEvent event;
+    event.locationInWindow = convertPointToWindow(point);
+    mouseMoved(event);
+}
+
+void VLCaptureView::snapTo(VLPoint point) {
     updateMouseLocation(point, true);
     if (const auto info = windowInfoAtPosition(point)) {
         activeWindowInfo_ = info;
@@ -183,21 +191,11 @@ VLCaptureView::Hit VLCaptureView::hitByMousePoint(VLPoint point) {
 
 // Dragging -------------------------------------------------------------------------------------
 
-/// Selections are made of whole pixels: a drag spans from the pixel's upper left corner. On the
-/// last row or column it is the screen's edge, for the pointer cannot go further and the user who
-/// pushes it there wants all of the screen.
-VLPoint VLCaptureView::pixelCorner(VLPoint point) const {
-    const double scale = backingScale();
-    const double width = bounds().width;
-    const double last = 1.0 / scale;
-    const double x = std::floor(point.x * scale + 1e-6) / scale;
-    const double y = std::ceil(point.y * scale - 1e-6) / scale;
-    return {x >= width - last && x < width ? width : x, y <= last && y > 0.0 ? 0.0 : y};
-}
-
 void VLCaptureView::mouseDown(const VLMouseEvent& event) {
     cursorUpdate(event);
-    if (!needScreenCapture_ || selectComfirmed_) {
+    // A surface that is out takes the press and does nothing: it has no part in how things end.
+    if (!needScreenCapture_) return;
+    if (selectComfirmed_) {
         VLView::mouseDown(event);
         return;
     }
@@ -213,7 +211,7 @@ void VLCaptureView::mouseDown(const VLMouseEvent& event) {
     }
     const VLPoint point = convertPointFromWindow(event.locationInWindow);
     Drag drag;
-    drag.pressPoint = drag.fixedPoint = pixelCorner(point);
+    drag.pressPoint = drag.fixedPoint = selectedItem().grid().corner(point);
     drag.lastDraggedPoint = point;
     if (selectedItemType_ != VLSelectedItemTypeNone) {
         const Hit hit = hitByMousePoint(point);
@@ -267,32 +265,10 @@ void VLCaptureView::handleMouseUp(const VLMouseEvent& event, const Drag& drag) {
 
 void VLCaptureView::handelMouseDraggedWithFixedPoint(VLPoint fixedPoint, VLPoint lastDraggedPoint,
                                                      VLPoint draggedPoint) {
-    const VLRect selected = selectedRect();
-    const VLPoint corner = pixelCorner(draggedPoint);
-    const auto spanned = [fixedPoint](VLPoint to) {
-        return VLCaptureUtilities::minRectWithFirstPoint(fixedPoint, to);
-    };
-    VLRect result;
-    switch (selectedItemType_) {
-        case VLSelectedItemTypeNone:
-        case VLSelectedItemTypeCornerResize:
-            result = spanned(corner);
-            break;
-        case VLSelectedItemTypeMove: {
-            const VLPoint moved = corner - pixelCorner(lastDraggedPoint);
-            result = VLCaptureUtilities::fixedRect(selected.offsetBy(moved.x, moved.y), bounds());
-            break;
-        }
-        case VLSelectedItemTypeHorizontalResize:
-            result = spanned({corner.x, selected.maxY()});
-            break;
-        case VLSelectedItemTypeVerticalResize:
-            result = spanned({selected.maxX(), corner.y});
-            break;
-        default:
-            break;
-    }
-    selectedItem().resizeToRect(VLCaptureUtilities::cropRect(result, bounds()));
+    auto& item = selectedItem();
+    item.resizeToRect(vorla::draggedRect(static_cast<VLSelectedItemType>(selectedItemType_),
+                                         fixedPoint, lastDraggedPoint, draggedPoint,
+                                         item.selectedRect(), item.grid()));
     updateMouseLocation(draggedPoint, selectedItemType_ != VLSelectedItemTypeMove);
 }
 

@@ -2,9 +2,9 @@
 
 #include <vorla/VLNotifications.h>
 #include <QColor>
-#include <QImage>
 #include <memory>
 
+#include "platform/view/FrozenScreen.h"
 #include "platform/view/VLView.h"
 #include "selection/VLCaptureViewSelectedItem.h"
 
@@ -15,21 +15,12 @@ class VLCaptureViewDelegate {
     virtual ~VLCaptureViewDelegate() = default;
     virtual void didConfirmSelection() {}
     virtual void mouseLocationDidUpdate(VLPoint /*location*/, bool /*needShowMagnifier*/) {}
-    virtual void selectionDidChange() {}
+    /// The rectangle that is selected from now on, on the screen's grid.
+    virtual void selectionDidChange(const VLRect& /*selectedRect*/) {}
     virtual std::shared_ptr<VLCaptureWindowInfo> windowInfoAtPostion(VLPoint /*point*/) {
         return nullptr;
     }
     virtual void gotActiveWindowInfo(const std::shared_ptr<VLCaptureWindowInfo>& /*info*/) {}
-};
-
-/// What a drag would do.
-enum VLSelectedItemType : uint64_t {
-    VLSelectedItemTypeNone = 0,  ///< nothing selected: snap to windows, a drag makes a rectangle
-    VLSelectedItemTypeIdle = 1,  ///< the pointer is not on the rectangle
-    VLSelectedItemTypeMove = 2,
-    VLSelectedItemTypeCornerResize = 3,
-    VLSelectedItemTypeHorizontalResize = 4,
-    VLSelectedItemTypeVerticalResize = 5,
 };
 
 enum VLCaptureType : uint64_t { VLCaptureTypeRegion = 1, VLCaptureTypeWindow = 2 };
@@ -43,13 +34,13 @@ enum VLCaptureType : uint64_t { VLCaptureTypeRegion = 1, VLCaptureTypeWindow = 2
 /// thread.
 class VLCaptureView : public VLView, public VLCaptureViewSelectedItemDelegate {
  public:
-    explicit VLCaptureView(const VLRect& frame, QWidget* superview = nullptr);
+    /// `frozen` is what shows through, from the view's upper left corner; the view paints every
+    /// pixel of it.
+    VLCaptureView(const VLRect& frame, const vorla::FrozenScreen& frozen,
+                  QWidget* superview = nullptr);
     ~VLCaptureView() override;
 
     void setDelegate(std::weak_ptr<VLCaptureViewDelegate> delegate) { delegate_ = delegate; }
-    /// The picture that shows through, in the view's lower left corner. With it the view paints
-    /// every pixel itself; without it the view is translucent.
-    void setFrozenImage(const QImage& image);
 
     [[nodiscard]] bool needScreenCapture() const { return needScreenCapture_; }
     /// Taking a surface out clears its rectangle.
@@ -84,6 +75,10 @@ class VLCaptureView : public VLView, public VLCaptureViewSelectedItemDelegate {
     void prepareForCapture() { setNeedDrawSelectedItem(false); }
     void finishCapture() { setNeedDrawSelectedItem(true); }
 
+    /// The pointer is at a point of the view though no event says so, as when a session begins:
+    /// snaps to the window there.
+    void pointerIsAt(VLPoint point);
+
     /// Reads the theme and draws anew.
     void configAppearanceAndLayout();
 
@@ -108,9 +103,10 @@ class VLCaptureView : public VLView, public VLCaptureViewSelectedItemDelegate {
         VLPoint lastDraggedPoint;
     };
 
-    void selectionDidChange() override;
+    void selectionDidChange(const VLRect& selectedRect) override;
     void cursorUpdate(const VLMouseEvent& event);
     void updateCursorWithMousePoint(VLPoint point);
+    void snapTo(VLPoint point);
     [[nodiscard]] Hit hitByMousePoint(VLPoint point);
     void updateMouseLocation(VLPoint location, bool needShowMagnifier);
     [[nodiscard]] std::shared_ptr<VLCaptureWindowInfo> windowInfoAtPosition(VLPoint point);
@@ -119,12 +115,10 @@ class VLCaptureView : public VLView, public VLCaptureViewSelectedItemDelegate {
     void handelMouseDraggedWithFixedPoint(VLPoint fixedPoint, VLPoint lastDraggedPoint,
                                           VLPoint draggedPoint);
     void confirmSelectedItem();
-    [[nodiscard]] VLPoint pixelCorner(VLPoint point) const;
     void drawFrozen(QPainter& painter);
-    void drawMaskOnly(QPainter& painter);
 
     std::weak_ptr<VLCaptureViewDelegate> delegate_;
-    QImage frozenImage_;
+    vorla::FrozenScreen frozen_;
     QColor backgroundMaskColor_;
     bool needScreenCapture_ = true;
     bool selectComfirmed_ = false;

@@ -12,43 +12,22 @@
 using vorla::Notification;
 using vorla::NotificationCenter;
 
-namespace {
-
-/// The frozen screen at the lower left, unscaled.
-class FrozenImageView : public VLView {
- public:
-    FrozenImageView(const VLRect& frame, const QImage& image) : VLView(frame), image_(image) {
-        setAttribute(Qt::WA_OpaquePaintEvent);
-    }
-
- protected:
-    void drawRect(QPainter& painter, const VLRect& /*dirtyRect*/) override {
-        const QSizeF points = image_.deviceIndependentSize();
-        vorla::drawImage(painter, image_, {0.0, 0.0, points.width(), points.height()});
-    }
-
- private:
-    QImage image_;
-};
-
-}  // namespace
-
 std::shared_ptr<VLCaptureViewController> VLCaptureViewController::create(
-    const VLRect& frame, const QImage& screenImage) {
-    if (screenImage.isNull()) {
+    const VLRect& frame, const vorla::FrozenScreen& screen) {
+    if (screen.isNull()) {
         VLLogError("%s 屏幕截图不能为空", __func__);
         return nullptr;
     }
-    std::shared_ptr<VLCaptureViewController> controller(
-        new VLCaptureViewController(frame, screenImage));
+    std::shared_ptr<VLCaptureViewController> controller(new VLCaptureViewController(frame, screen));
     controller->captureView_->setDelegate(controller);
     controller->observe();
     controller->configAppearanceAndLayout();
     return controller;
 }
 
-VLCaptureViewController::VLCaptureViewController(const VLRect& frame, const QImage& screenImage)
-    : screenImage_(screenImage), backgroundImageView_(new FrozenImageView(frame, screenImage)) {
+VLCaptureViewController::VLCaptureViewController(const VLRect& frame,
+                                                 const vorla::FrozenScreen& screen)
+    : frozen_(screen), backgroundImageView_(new VLView(frame)) {
     setupCaptureView(frame);
     setupMagnifierViewWithScreenImage(frame);
 }
@@ -60,12 +39,12 @@ VLCaptureViewController::~VLCaptureViewController() {
 }
 
 void VLCaptureViewController::setupCaptureView(const VLRect& frame) {
-    captureView_ = new VLCaptureView({0.0, 0.0, frame.width, frame.height}, backgroundImageView_);
-    captureView_->setFrozenImage(screenImage_);
+    captureView_ =
+        new VLCaptureView({0.0, 0.0, frame.width, frame.height}, frozen_, backgroundImageView_);
 }
 
 void VLCaptureViewController::setupMagnifierViewWithScreenImage(const VLRect& frame) {
-    magifierView_ = new VLCaptureMagnifierView(screenImage_, frame, backgroundImageView_);
+    magifierView_ = new VLCaptureMagnifierView(frozen_.image(), frame, backgroundImageView_);
     magifierView_->hide();
 }
 
@@ -115,9 +94,8 @@ void VLCaptureViewController::mouseLocationDidUpdate(VLPoint location, bool need
     if (inside) hideToolbar();
 }
 
-void VLCaptureViewController::selectionDidChange() {
-    if (captureView_ && sizeInfoView())
-        sizeInfoView()->setSelectedRect(captureView_->selectedRect());
+void VLCaptureViewController::selectionDidChange(const VLRect& selectedRect) {
+    if (sizeInfoView()) sizeInfoView()->setSelectedRect(selectedRect);
 }
 
 std::shared_ptr<VLCaptureWindowInfo> VLCaptureViewController::windowInfoAtPostion(VLPoint point) {
@@ -220,5 +198,5 @@ void VLCaptureViewController::finishCapture() {
 /// Inside the selection the surface shows the frozen picture and nothing else, so its pixels are
 /// taken from there as they are, without being drawn or copied.
 QImage VLCaptureViewController::generateCapturedImage() const {
-    return vorla::imagePart(screenImage_, captureView_->pixelSelectedRectInWindow());
+    return vorla::imagePart(frozen_.image(), captureView_->pixelSelectedRectInWindow());
 }

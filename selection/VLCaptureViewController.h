@@ -30,7 +30,7 @@ class VLCaptureViewController : public VLCaptureViewDelegate,
  public:
     /// Null, with a log line, without a picture.
     static std::shared_ptr<VLCaptureViewController> create(const VLRect& frame,
-                                                           const QImage& screenImage);
+                                                           const vorla::FrozenScreen& screen);
     ~VLCaptureViewController() override;
 
     void setDelegate(std::weak_ptr<VLCaptureViewControllerDelegate> delegate) {
@@ -62,12 +62,12 @@ class VLCaptureViewController : public VLCaptureViewDelegate,
 
     void didConfirmSelection() override;
     void mouseLocationDidUpdate(VLPoint location, bool needShowMagnifier) override;
-    void selectionDidChange() override;
+    void selectionDidChange(const VLRect& selectedRect) override;
     std::shared_ptr<VLCaptureWindowInfo> windowInfoAtPostion(VLPoint point) override;
     void gotActiveWindowInfo(const std::shared_ptr<VLCaptureWindowInfo>& info) override;
 
  private:
-    VLCaptureViewController(const VLRect& frame, const QImage& screenImage);
+    VLCaptureViewController(const VLRect& frame, const vorla::FrozenScreen& screen);
     void setupCaptureView(const VLRect& frame);
     void setupMagnifierViewWithScreenImage(const VLRect& frame);
     void observe();
@@ -81,7 +81,7 @@ class VLCaptureViewController : public VLCaptureViewDelegate,
 
     std::weak_ptr<VLCaptureViewControllerDelegate> delegate_;
     bool needScreenCapture_ = true;
-    QImage screenImage_;
+    vorla::FrozenScreen frozen_;
     QImage imageCaptured_;
     QPointer<VLView> backgroundImageView_;
     QPointer<VLCaptureView> captureView_;

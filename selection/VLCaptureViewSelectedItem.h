@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/base/geometry.h"
+#include "selection/SelectionGeometry.h"
 #include "selection/VLControlPoint.h"
 
 class QPainter;
@@ -14,7 +15,7 @@ class VLView;
 class VLCaptureViewSelectedItemDelegate {
  public:
     virtual ~VLCaptureViewSelectedItemDelegate() = default;
-    virtual void selectionDidChange() {}
+    virtual void selectionDidChange(const VLRect& /*selectedRect*/) {}
 };
 
 /// The one rectangle that the user is selecting on a screen: its eight control points, what the
@@ -42,8 +43,7 @@ class VLCaptureViewSelectedItem {
     void resizeToRect(const VLRect& rect) { setSelectedRect(rect); }
     void move(VLPoint offset) { setSelectedRect(selectedRect_.offsetBy(offset.x, offset.y)); }
 
-    /// The rectangle with all edges rounded inwards to whole device pixels, and to whole points
-    /// where a point is a whole number of pixels.
+    /// The rectangle with all edges moved inwards onto the screen's grid (`SelectionGrid`).
     [[nodiscard]] VLRect pixelSelectedRectInWindow() const;
 
     /// Eight points in the order of their types on the aligned rectangle; empty before the first
@@ -67,15 +67,14 @@ class VLCaptureViewSelectedItem {
     void drawMask(QPainter& painter) const;
     void drawControlPoints(QPainter& painter) const;
 
-    /// What has to be drawn again when the selection goes from one rectangle to another: what only
-    /// one of them covers, and both borders and sets of control points. The clear inside that both
-    /// share is left alone, however large it is.
-    [[nodiscard]] std::vector<VLRect> damageOfChange(const VLRect& from, const VLRect& to) const;
+    /// The grid of the screen that the item's view is on.
+    [[nodiscard]] vorla::SelectionGrid grid() const;
+    /// How far the drawn parts reach, for what has to be drawn again after a change.
+    [[nodiscard]] vorla::SelectionReach reach() const;
 
  private:
-    enum class Kind { Corner, Vertical, Horizontal };
-    [[nodiscard]] VLRect aligned(const VLRect& rect) const;
-    [[nodiscard]] std::optional<VLControlPoint> fixedPointOfHit(VLPoint point, Kind kind) const;
+    [[nodiscard]] std::optional<VLControlPoint> fixedPointOfHit(VLPoint point,
+                                                                vorla::ControlPointKind kind) const;
     void updateControlPoints();
 
     VLCaptureViewSelectedItemDelegate* delegate_ = nullptr;

@@ -66,8 +66,10 @@ const QCursor& VLCursor::cursorOfType(uint64_t type) {
 void VLCursor::setCursorType(uint64_t type) {
     auto& stack = vorla::CursorStack::shared();
     if (shownType_ != type || stack.isEmpty()) {
-        stack.pop();
-        stack.push(cursorOfType(type));
+        if (stack.isEmpty())
+            stack.push(cursorOfType(type));
+        else
+            stack.set(cursorOfType(type));
     }
     shownType_ = type;
     cursorType_ = type;

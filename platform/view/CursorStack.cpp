@@ -1,6 +1,7 @@
 #include "platform/view/CursorStack.h"
 
-#include <QGuiApplication>
+#include "platform/view/PanelStack.h"
+#include "platform/view/VLPanel.h"
 
 namespace vorla {
 
@@ -10,22 +11,40 @@ CursorStack& CursorStack::shared() {
 }
 
 void CursorStack::push(const QCursor& cursor) {
-    QGuiApplication::setOverrideCursor(cursor);
-    ++depth_;
+    cursors_.push_back(cursor);
+    apply();
 }
 
 void CursorStack::pop() {
-    if (depth_ == 0) return;
-    --depth_;
-    QGuiApplication::restoreOverrideCursor();
+    if (cursors_.empty()) return;
+    cursors_.pop_back();
+    apply();
 }
 
 void CursorStack::set(const QCursor& cursor) {
-    if (depth_ > 0) QGuiApplication::changeOverrideCursor(cursor);
+    if (cursors_.empty()) return;
+    cursors_.back() = cursor;
+    apply();
+}
+
+const QCursor* CursorStack::current() const {
+    return cursors_.empty() ? nullptr : &cursors_.back();
 }
 
 void CursorStack::clear() {
-    while (depth_ > 0) pop();
+    cursors_.clear();
+    apply();
+}
+
+void CursorStack::applyTo(VLPanel& panel) const {
+    if (const QCursor* cursor = current())
+        panel.setCursor(*cursor);
+    else
+        panel.unsetCursor();
+}
+
+void CursorStack::apply() const {
+    for (VLPanel* panel : PanelStack::shared().panels()) applyTo(*panel);
 }
 
 }  // namespace vorla

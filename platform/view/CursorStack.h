@@ -1,11 +1,14 @@
 #pragma once
 
 #include <QCursor>
+#include <vector>
+
+class VLPanel;
 
 namespace vorla {
 
-/// The pointer's shape while panels are up, as a stack over the host's own. Every change takes
-/// effect at once on all windows of the process. Main thread.
+/// The pointer's shape on the panels, as a stack: the uppermost one shows wherever a view has none
+/// of its own. Every change takes effect at once. The host's windows keep theirs. Main thread.
 class CursorStack {
  public:
     static CursorStack& shared();
@@ -15,12 +18,17 @@ class CursorStack {
     void pop();
     /// Replaces the uppermost cursor; nothing happens on an empty stack.
     void set(const QCursor& cursor);
-    [[nodiscard]] bool isEmpty() const { return depth_ == 0; }
-    /// Gives the host its own cursors back.
+    [[nodiscard]] bool isEmpty() const { return cursors_.empty(); }
+    /// The uppermost one; null on an empty stack.
+    [[nodiscard]] const QCursor* current() const;
     void clear();
 
+    /// Gives a panel that has just come up the present cursor.
+    void applyTo(VLPanel& panel) const;
+
  private:
-    int depth_ = 0;
+    void apply() const;
+    std::vector<QCursor> cursors_;
 };
 
 }  // namespace vorla

@@ -10,8 +10,9 @@
 #include "platform/base/MainQueue.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/raii.h"
+#include "platform/view/CursorStack.h"
+#include "platform/view/PanelSurface.h"
 #include "platform/view/VLPanel.h"
-#include "platform/view/X11Focus.h"
 
 namespace vorla {
 namespace {
@@ -56,8 +57,7 @@ class HostWindowWatch : public QObject {
 struct PanelStack::State {
     std::vector<VLPanel*> panels;
     QPointer<VLPanel> key;
-    std::optional<SavedFocus> focusBefore;
-    std::optional<ForeignWindowWatch> watch;
+    std::unique_ptr<PanelSurface> surface;
     std::optional<HostWindowWatch> hostWatch;
     QMetaObject::Connection focusConnection;
     QTimer settle;
@@ -83,8 +83,7 @@ PanelStack& PanelStack::shared() {
 
 void PanelStack::add(VLPanel* panel) {
     if (state_->panels.empty()) {
-        state_->focusBefore = SavedFocus::current();
-        state_->watch.emplace([this] { restack(); });
+        surface().begin([this] { restack(); });
         state_->hostWatch.emplace();
         watchFocus();
     }
@@ -92,6 +91,7 @@ void PanelStack::add(VLPanel* panel) {
     const auto above =
         std::ranges::upper_bound(state_->panels, panel->level(), {}, &VLPanel::level);
     state_->panels.insert(above, panel);
+    CursorStack::shared().applyTo(*panel);
     restack();
 }
 
@@ -106,20 +106,28 @@ void PanelStack::remove(VLPanel* panel) {
     state_->forgive.stop();
     state_->stolen = 0;
     state_->key.clear();
-    state_->watch.reset();
     state_->hostWatch.reset();
-    if (state_->focusBefore) state_->focusBefore->restore();
-    state_->focusBefore.reset();
+    if (const auto surface = std::exchange(state_->surface, nullptr)) surface->release();
 }
 
 void PanelStack::makeKey(VLPanel* panel) {
     state_->key = panel;
-    panel->activateWindow();
+    surface().becomeKey(*panel);
 }
 
 void PanelStack::restack() {
-    for (VLPanel* panel : state_->panels) panel->raise();
-    flushToServer();
+    const bool editsText = std::ranges::any_of(state_->panels, &VLPanel::editsText);
+    surface().stayOnTop(state_->panels,
+                        editsText ? PanelSurface::Helpers::Spare : PanelSurface::Helpers::Cover);
+}
+
+const std::vector<VLPanel*>& PanelStack::panels() const {
+    return state_->panels;
+}
+
+PanelSurface& PanelStack::surface() {
+    if (!state_->surface) state_->surface = PanelSurface::create();
+    return *state_->surface;
 }
 
 void PanelStack::watchFocus() {
@@ -143,13 +151,15 @@ bool PanelStack::hasKeyboard() const {
 
 void PanelStack::takeFocusBack() {
     if (!state_->key || hasKeyboard()) return;
+    const PanelSurface::Keyboard keyboard = surface().keyboard(state_->panels);
+    if (keyboard == PanelSurface::Keyboard::Kept) return;
     if (!state_->forgive.isActive()) state_->forgive.start();
-    if (++state_->stolen > patience) {
+    if (++state_->stolen > patience || keyboard == PanelSurface::Keyboard::Given) {
         state_->stolen = 0;
         NotificationCenter::defaultCenter().post(NSApplicationWillResignActiveNotification);
         return;
     }
-    state_->key->activateWindow();
+    surface().becomeKey(*state_->key);
     state_->settle.start();
 }
 

@@ -4,13 +4,14 @@
 #include <memory>
 #include <vector>
 
-class QWidget;
 class VLPanel;
 
 namespace vorla {
 
-/// Posted when another program keeps the keyboard although the key panel asked for it back several
-/// times: the user has left for another program.
+class PanelSurface;
+
+/// Posted when the user has left for another program: by a key of the window manager's or a press,
+/// or because that program keeps the keyboard although the key panel asked for it back many times.
 inline constexpr const char* NSApplicationWillResignActiveNotification =
     "NSApplicationWillResignActiveNotification";
 /// Posted when the last of the host's own windows is minimised while panels are up.
@@ -30,8 +31,12 @@ class PanelStack {
     void remove(VLPanel* panel);
     /// Gives the keyboard to the panel and remembers it as the key panel.
     void makeKey(VLPanel* panel);
-    /// Raises all panels, lowest level first.
+    /// Raises all panels, lowest level first. While a text is edited, unmanaged windows of other
+    /// programs stay above: they are the input method's.
     void restack();
+    /// The shown panels, lowest first.
+    [[nodiscard]] const std::vector<VLPanel*>& panels() const;
+    [[nodiscard]] PanelSurface& surface();
 
  private:
     PanelStack();

@@ -15,6 +15,7 @@
 #include <cmath>
 
 #include "platform/view/PanelStack.h"
+#include "platform/view/PanelSurface.h"
 #include "platform/view/VLEventTracker.h"
 #include "platform/view/VLOverlayPanel.h"
 #include "platform/view/VLView.h"
@@ -63,6 +64,7 @@ void VLPanel::coverScreen(QScreen* screen, const QRect& nativeFrame) {
     setScreen(screen);
     const QRect geometry = screen->geometry();
     const double scale = screen->devicePixelRatio();
+    nativeFrame_ = nativeFrame;
     exactSize_ = {static_cast<double>(geometry.width()), static_cast<double>(geometry.height())};
     if (!nativeFrame.isEmpty())
         exactSize_ = {nativeFrame.width() / scale, nativeFrame.height() / scale};
@@ -71,6 +73,13 @@ void VLPanel::coverScreen(QScreen* screen, const QRect& nativeFrame) {
     setGeometry(geometry.x(), geometry.y(), static_cast<int>(std::ceil(exactSize_.width - noise)),
                 static_cast<int>(std::ceil(exactSize_.height - noise)));
     fitContent();
+}
+
+/// Whether the toolkit's whole points make just the native pixels.
+bool VLPanel::fitsNatively() const {
+    const double scale = vorla::scaleOf(*this);
+    return QSize(static_cast<int>(std::lround(width() * scale)),
+                 static_cast<int>(std::lround(height() * scale))) == nativeFrame_.size();
 }
 
 VLSize VLPanel::extent() const {
@@ -122,6 +131,8 @@ void VLPanel::makeKeyAndOrderFront() {
 void VLPanel::orderFrontRegardless() {
     if (closed_) return;
     show();
+    if (!nativeFrame_.isEmpty() && !fitsNatively())
+        vorla::PanelStack::shared().surface().coverScreen(*this, nativeFrame_);
     vorla::PanelStack::shared().add(this);
 }
 
@@ -231,9 +242,10 @@ void VLPanel::watchResponder(const QEvent& event) {
 
 bool VLPanel::eventFilter(QObject* receiver, QEvent* event) {
     if (receiver == firstResponder_) watchResponder(*event);
-    if (receiver == windowHandle() && event->type() == QEvent::KeyPress)
-        return interceptKey(*static_cast<QKeyEvent*>(event));
-    return false;
+    if (receiver != windowHandle()) return false;
+    if (event->type() == QEvent::KeyPress) return interceptKey(*static_cast<QKeyEvent*>(event));
+    // The window is smaller than whole points by a part of one; the widget keeps them all.
+    return event->type() == QEvent::Resize && !nativeFrame_.isEmpty() && !fitsNatively();
 }
 
 bool VLPanel::focusNextPrevChild(bool /*next*/) {

@@ -39,6 +39,7 @@ class VLPanel : public QWidget {
     /// toolkit's idea of a screen is rounded to whole points, so the rectangle is to be given in
     /// native pixels; an empty one stands for what the toolkit thinks.
     void coverScreen(QScreen* screen, const QRect& nativeFrame = {});
+    [[nodiscard]] const QRect& nativeFrame() const { return nativeFrame_; }
     /// The exact size in points, which at scales such as 1.25 need not be whole: y begins there.
     [[nodiscard]] VLSize extent() const;
     [[nodiscard]] VLRect bounds() const { return VLRect::make({}, extent()); }
@@ -111,10 +112,12 @@ class VLPanel : public QWidget {
     bool interceptKey(QKeyEvent& event);
     void watchResponder(const QEvent& event);
     void fitContent();
+    [[nodiscard]] bool fitsNatively() const;
     /// Modal dialogs of the host block every window but those that belong to them.
     void joinModalWindow();
 
     int level_;
+    QRect nativeFrame_;
     VLSize exactSize_;
     QPointer<VLView> contentView_;
     std::vector<QPointer<VLOverlayPanel>> overlays_;

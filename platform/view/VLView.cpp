@@ -99,7 +99,7 @@ void VLView::setOpaque(bool opaque) {
 
 /// Where an edge cuts a device pixel, the pixel also shows what lies below.
 void VLView::applyOpacity() {
-    const double scale = devicePixelRatioF();
+    const double scale = backingScale();
     const QPointF corner = mapTo(window(), QPointF());
     const double left = (corner.x() + originInWidget_.x()) * scale;
     const double bottom = (corner.y() + originInWidget_.y()) * scale;
@@ -107,6 +107,10 @@ void VLView::applyOpacity() {
                        isWhole(left) && isWhole(bottom) && isWhole(frame_.width * scale) &&
                        isWhole(frame_.height * scale);
     setAttribute(Qt::WA_OpaquePaintEvent, opaque_ && whole);
+}
+
+double VLView::backingScale() const {
+    return vorla::scaleOf(*this);
 }
 
 VLView* VLView::superview() const {

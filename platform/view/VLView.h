@@ -77,7 +77,7 @@ class VLView : public QWidget {
     virtual bool performKeyEquivalent(QKeyEvent& event);
 
     /// Device pixels per point of the screen that the view is on.
-    [[nodiscard]] double backingScale() const { return devicePixelRatioF(); }
+    [[nodiscard]] double backingScale() const;
 
     /// Rounds a rectangle of this view inwards to whole device pixels.
     [[nodiscard]] VLRect backingAlignedInward(const VLRect& rect) const {

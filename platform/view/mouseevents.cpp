@@ -2,9 +2,12 @@
 
 #include <QCursor>
 #include <QGuiApplication>
+#include <QScreen>
 #include <QStyleHints>
 #include <cmath>
 
+#include "platform/view/PanelStack.h"
+#include "platform/view/PanelSurface.h"
 #include "platform/view/VLPanel.h"
 
 namespace vorla {
@@ -34,6 +37,7 @@ class ClickCounter {
         window_ = window;
         return count_;
     }
+    void becameDrag() { count_ = 0; }
     [[nodiscard]] QPointF place() const { return place_; }
     [[nodiscard]] int current() const { return count_; }
     [[nodiscard]] bool repeats(const QMouseEvent& event) const {
@@ -74,8 +78,13 @@ double heightOf(const QWidget& panel) {
     return exact ? exact->extent().height : panel.height();
 }
 
+double scaleOf(const QWidget& widget) {
+    const QScreen* screen = widget.screen();
+    return screen ? screen->devicePixelRatio() : 1.0;
+}
+
 VLPoint locationInWindow(QPointF inPanel, const QWidget& panel) {
-    const double scale = panel.devicePixelRatioF();
+    const double scale = scaleOf(panel);
     // The tolerance keeps a whole pixel whole at scales such as 1.25, where 1/scale is not exact.
     const auto middle = [scale](double v) { return (std::floor(v * scale + 1e-6) + 0.5) / scale; };
     return {middle(inPanel.x()), heightOf(panel) - middle(inPanel.y())};
@@ -83,6 +92,7 @@ VLPoint locationInWindow(QPointF inPanel, const QWidget& panel) {
 
 VLMouseEvent mouseEvent(const QSinglePointEvent& event, const QWidget& receiver,
                         VLMouseEvent::Type type) {
+    if (type == VLMouseEvent::Type::LeftMouseDragged) clickCounter().becameDrag();
     // The position in the receiver is rounded to points on the way, and the one on the desktop
     // means nothing where screens differ in scale: the one in the panel has neither fault.
     return {type, locationInWindow(event.scenePosition(), *receiver.window()), 0,
@@ -103,6 +113,9 @@ VLMouseEvent mouseEvent(const QMouseEvent& event, const QWidget& receiver,
 }
 
 VLPoint pointerLocationInWindow(const QWidget& panel) {
+    if (const auto* exact = dynamic_cast<const VLPanel*>(&panel))
+        if (const auto place = PanelStack::shared().surface().pointer(*exact))
+            return locationInWindow(*place, panel);
     return locationInWindow(panel.mapFromGlobal(QPointF(QCursor::pos())), panel);
 }
 

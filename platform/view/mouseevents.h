@@ -10,7 +10,7 @@ namespace vorla {
 /// The views' form of a toolkit event that was delivered to `receiver`. Presses get their click
 /// count: a press counts on while it follows the last one within the desktop's double-click
 /// interval and distance, in the same window and with the same button; the same event seen twice
-/// counts once.
+/// counts once. A press that became a drag is no click: the count starts anew after it.
 VLMouseEvent mouseEvent(const QMouseEvent& event, const QWidget& receiver, VLMouseEvent::Type type);
 VLMouseEvent mouseEvent(const QSinglePointEvent& event, const QWidget& receiver,
                         VLMouseEvent::Type type);
@@ -26,6 +26,10 @@ QPointF lastPressPosition();
 
 /// The exact height of a panel in points, which is where its y begins; of another widget its own.
 double heightOf(const QWidget& panel);
+
+/// Device pixels per point of the screen that a widget is on. What the toolkit says of a widget is
+/// rounded to 1/65536, which is too coarse to count the pixels of a wide screen with.
+double scaleOf(const QWidget& widget);
 
 /// Where the pointer is now, in the panel's coordinates.
 VLPoint pointerLocationInWindow(const QWidget& panel);

@@ -82,6 +82,9 @@ class WindowServer {
     /// empty value for good.
     virtual bool isConnected() { return true; }
 
+    /// Why no pictures can be had of this server's screens, for the log; empty when they can.
+    virtual std::string obstacle() { return {}; }
+
     /// In the desktop's order, the first one first.
     virtual std::vector<Display> displays() = 0;
 

@@ -72,6 +72,13 @@ void X11WindowServer::displaysMayHaveChanged() {
     if (onDisplaysChanged) onDisplaysChanged();
 }
 
+std::string X11WindowServer::obstacle() {
+    const xcb_screen_t* screen = connection_->screen();
+    if (connection_->layoutOf(screen->root_visual) != PixelLayout::Unsupported) return {};
+    return "the screen's depth of " + std::to_string(screen->root_depth) +
+           " bits, or its order of colours, is not served";
+}
+
 std::vector<Display> X11WindowServer::displays() {
     const Call call(*this);
     return readDisplays();

@@ -42,7 +42,8 @@ class Surface : public testing::TestWithParam<double> {
         VLCaptureThemeManager::sharedInstance().changeThemeTo("default");
         vorla::setStatisticReceiver([this](int event) { events_.push_back(event); });
         screen_ = server_->imageOfDisplay(1, frame_);
-        controller_ = VLCaptureViewController::create(frame_, screen_);
+        frozen_ = vorla::FrozenScreen(screen_);
+        controller_ = VLCaptureViewController::create(frame_, frozen_);
         controller_->setDelegate(snapping_);
         panel_ = new VLPanel(27);
         panel_->setScreen(vorla::test::screenOfScale(scale()));
@@ -90,6 +91,7 @@ class Surface : public testing::TestWithParam<double> {
     std::shared_ptr<Snapping> snapping_ = std::make_shared<Snapping>();
     std::vector<int> events_;
     QImage screen_;
+    vorla::FrozenScreen frozen_;
     std::shared_ptr<VLCaptureViewController> controller_;
     VLPanel* panel_ = nullptr;
     vorla::test::Pointer pointer_{nullptr};

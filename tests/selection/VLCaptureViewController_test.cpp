@@ -61,7 +61,7 @@ TEST_P(ViewController, AnEmptySelectionKeepsTheSessionUp) {
 
 TEST_P(ViewController, DropsOutWhenAnotherScreenConfirms) {
     pointer_.drag({{200, 150}, {300, 200}});
-    const auto other = VLCaptureViewController::create(frame_, screen_);
+    const auto other = VLCaptureViewController::create(frame_, frozen_);
     other->didConfirmSelection();
     EXPECT_FALSE(controller_->needSelectRect());
     EXPECT_TRUE(other->needSelectRect());
@@ -92,7 +92,7 @@ TEST_P(ViewController, MagnifierTellsThePixelUnderThePointer) {
     for (const QPoint at : {QPoint(300, 200), QPoint(1, 399), QPoint(639, 1), QPoint(320, 0)}) {
         const QString place = QStringLiteral("坐标：(%1,%2)").arg(at.x()).arg(399 - at.y());
         const QColor color(screen_.pixel(int(at.x() * scale()), int(at.y() * scale())));
-        controller_ = VLCaptureViewController::create(frame_, screen_);
+        controller_ = VLCaptureViewController::create(frame_, frozen_);
         panel_->setContentView(controller_->view());
         const auto expectPixel = [&] {
             EXPECT_EQ(controller_->magifierView()->mouseInfoStr(), place);

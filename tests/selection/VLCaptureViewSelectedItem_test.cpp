@@ -8,7 +8,7 @@ namespace {
 
 struct Listener : VLCaptureViewSelectedItemDelegate {
     int changes = 0;
-    void selectionDidChange() override { ++changes; }
+    void selectionDidChange(const VLRect& /*rect*/) override { ++changes; }
 };
 
 TEST(SelectedItem, TellsEachChangeOnce) {

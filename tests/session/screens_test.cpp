@@ -42,6 +42,17 @@ class Screens : public SessionTest {
         return HostProgram({"--background"}, {"/usr/bin/env", variable});
     }
 
+    /// A panel covers the screen to the pixel, and shows it unshifted up to its last row and
+    /// column.
+    void expectPanelOver(HostProgram& program, const QRect& place) {
+        const auto panels = panelsOf(program);
+        EXPECT_TRUE(std::ranges::any_of(
+            panels, [&](xcb_window_t panel) { return driver->contentRect(panel) == place; }));
+        driver->moveTo(place.x() + 300, place.y() + 400);
+        const QRect corner(place.right() - 60, place.bottom() - 60, 59, 59);
+        EXPECT_TRUE(comesToShow(screen, corner));
+    }
+
     /// Drags a rectangle (given in the screen's own native pixels) and compares what comes.
     void expectRegion(HostProgram& program, int screens, const QRect& place, const QRect& region) {
         const QRect wanted = region.translated(place.topLeft());
@@ -75,6 +86,15 @@ TEST_F(Screens, EveryArrangementAndScaleDeliversExactPixels) {
          {"A", {1120, 0, 800, 600}},
          {"B", {0, 80, 1120, 1000}},
          "QT_SCREEN_SCALE_FACTORS=A=2;B=1.25"},
+        // From here on sizes that are no whole numbers of points.
+        {"by a quarter and a tenth",
+         {"A", {0, 0, 1366, 768}},
+         {"B", {1366, 0, 553, 1080}},
+         "QT_SCREEN_SCALE_FACTORS=A=1.25;B=1.1"},
+        {"by three quarters, and odd sizes doubled",
+         {"A", {0, 0, 1000, 803}},
+         {"B", {1000, 1, 919, 1079}},
+         "QT_SCREEN_SCALE_FACTORS=A=1.75;B=2"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -84,8 +104,10 @@ TEST_F(Screens, EveryArrangementAndScaleDeliversExactPixels) {
         ASSERT_TRUE(program.start());
         for (const Monitor& m : {row.first, row.second}) {
             SCOPED_TRACE(m.name);
-            expectRegion(program, 2, m.place, {100, 120, 320, 240});
+            // The lines of whole points count from the lower edge.
+            expectRegion(program, 2, m.place, {100, 120 + m.place.height() % 2, 320, 240});
             ASSERT_EQ(begin(program), 2);
+            expectPanelOver(program, m.place);
             driver->click(m.place.x() + 300, m.place.y() + 400);
             driver->key("Return");
             EXPECT_TRUE(samePixels(program.delivered(), screen.copy(m.place)))

@@ -25,6 +25,7 @@ TEST_F(Stacking, AnOpenMenuIsInThePictureAndDoesNotBlock) {
     ASSERT_TRUE(eventually([&] { return driver->pointerIsGrabbed(); })) << "no menu is open";
     const QImage screen = stillScreen();
     ASSERT_EQ(begin(), 1);
+    EXPECT_TRUE(eventually([&] { return !driver->pointerIsGrabbed(); })) << "the menu stays open";
     driver->moveTo(1500, 900);
     shot("menu");
     driver->drag({450, 250}, {1000, 700}, 4);

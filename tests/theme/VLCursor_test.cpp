@@ -24,7 +24,7 @@ class Cursor : public testing::Test {
         VLCursor::clear();
     }
     static Qt::CursorShape shown() {
-        const QCursor* cursor = QGuiApplication::overrideCursor();
+        const QCursor* cursor = vorla::CursorStack::shared().current();
         return cursor ? cursor->shape() : Qt::LastCursor;
     }
     vorla::test::TestResources resources_;
@@ -65,14 +65,6 @@ TEST_F(Cursor, TakesThePlaceOfTheOneBefore) {
     EXPECT_EQ(shown(), Qt::LastCursor);
     cursors.setCursorType(VLCursorTypeText);  // the type that was shown last, and no longer is
     EXPECT_EQ(shown(), Qt::IBeamCursor);
-}
-
-TEST_F(Cursor, LeavesTheHostsCursorUnderneath) {
-    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    VLCursor::sharedInstance().setCursorType(VLCursorTypeText);
-    vorla::CursorStack::shared().clear();
-    EXPECT_EQ(shown(), Qt::WaitCursor);
-    QGuiApplication::restoreOverrideCursor();
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "selection/dimming.h"
+#include "platform/view/dimming.h"
 
 #include <algorithm>
 #include <cmath>
