@@ -8,8 +8,6 @@
 #include <QRawFont>
 #include <QTextBlock>
 #include <QTextBoundaryFinder>
-#include <QTextCursor>
-#include <QTextFrame>
 #include <QTextLayout>
 #include <algorithm>
 #include <cmath>
@@ -57,7 +55,7 @@ bool isPicture(const QString& character, const QFont& font) {
 
 VLLayoutManager::VLLayoutManager() {
     document_.setUndoRedoEnabled(false);
-    document_.setDocumentMargin(0);
+    document_.setDocumentMargin(kMargin);
     QTextOption option = document_.defaultTextOption();
     option.setWrapMode(QTextOption::NoWrap);
     document_.setDefaultTextOption(option);
@@ -124,31 +122,31 @@ void VLLayoutManager::updateLayout() {
     const double width = document_.idealWidth();
     document_.setTextWidth(std::ceil(width));
     const double height = document_.size().height();
-    usedSize_ =
-        isEmpty ? VLSize{} : VLSize{std::ceil(width - inset_.x()), std::ceil(height - inset_.y())};
-}
-
-void VLLayoutManager::setInset(QPointF inset) {
-    if (inset == inset_) return;
-    inset_ = inset;
-    QTextFrameFormat format = document_.rootFrame()->frameFormat();
-    format.setMargin(0);
-    format.setLeftMargin(inset.x());
-    format.setTopMargin(inset.y());
-    document_.rootFrame()->setFrameFormat(format);
-    updateLayout();
+    usedSize_ = isEmpty ? VLSize{}
+                        : VLSize{std::ceil(width - 2 * kMargin), std::ceil(height - 2 * kMargin)};
 }
 
 void VLLayoutManager::drawGlyphs(QPainter& painter, const VLRect& frame, const QColor& color,
                                  const VLRect& dirtyRect) const {
+    const double left = frame.x - kMargin;
+    const double top = frame.maxY() + kMargin;
     painter.save();
-    painter.translate(frame.x - inset_.x(), frame.maxY() + inset_.y());
+    painter.translate(left, top);
     painter.scale(1.0, -1.0);
+    drawDocument(painter, color,
+                 {dirtyRect.x - left, top - dirtyRect.maxY(), dirtyRect.width, dirtyRect.height});
+    painter.restore();
+}
+
+void VLLayoutManager::drawDocument(QPainter& painter, const QColor& color, const QRectF& dirtyRect,
+                                   const QTextCursor& selection) const {
     QAbstractTextDocumentLayout::PaintContext context;
     context.palette.setColor(QPalette::Text, color);
-    context.clip = {dirtyRect.x - frame.x + inset_.x(),
-                    frame.maxY() - dirtyRect.maxY() + inset_.y(), dirtyRect.width,
-                    dirtyRect.height};
+    context.clip = dirtyRect;
+    if (selection.hasSelection()) {
+        QTextCharFormat format;
+        format.setBackground(QColor(64, 144, 255, 110));
+        context.selections.append({selection, format});
+    }
     document_.documentLayout()->draw(&painter, context);
-    painter.restore();
 }

@@ -3,6 +3,7 @@
 #include <QColor>
 #include <QFont>
 #include <QString>
+#include <QTextCursor>
 #include <QTextDocument>
 
 #include "platform/base/geometry.h"
@@ -16,6 +17,10 @@ class QPainter;
 /// delivered are the same drawing. Main thread.
 class VLLayoutManager {
  public:
+    /// How far the text lies inside of its document, on each side: room for the caret and for
+    /// glyphs that lean out.
+    static constexpr double kMargin = 5.0;
+
     VLLayoutManager();
     VLLayoutManager(const VLLayoutManager&) = delete;
     VLLayoutManager& operator=(const VLLayoutManager&) = delete;
@@ -39,8 +44,10 @@ class VLLayoutManager {
     void drawGlyphs(QPainter& painter, const VLRect& frame, const QColor& color,
                     const VLRect& dirtyRect) const;
 
-    /// Where the text begins in the document's own coordinates (y downward).
-    void setInset(QPointF inset);
+    /// The same with a painter that is y-down, the document's upper left corner being its zero
+    /// point, and with a part of the text shown as selected.
+    void drawDocument(QPainter& painter, const QColor& color, const QRectF& dirtyRect,
+                      const QTextCursor& selection = {}) const;
 
     [[nodiscard]] QTextDocument& document() { return document_; }
 
@@ -48,7 +55,6 @@ class VLLayoutManager {
     void chooseGlyphDrawing();
 
     QTextDocument document_;
-    QPointF inset_;
     VLSize usedSize_;
     bool hasHadPictures_ = false;
 };

@@ -11,7 +11,6 @@
 #include <QTextBlock>
 #include <QTextLayout>
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 #include "editor/items/VLLayoutManager.h"
@@ -24,7 +23,9 @@ VLSelectedTextView::VLSelectedTextView(std::shared_ptr<VLLayoutManager> layoutMa
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setWordWrapMode(QTextOption::NoWrap);
-    setLineWrapMode(FixedPixelWidth);  // has lines that run to the left end at the right
+    // Has lines that run to the left end at the right edge of the text.
+    setLineWrapMode(FixedPixelWidth);
+    setLineWrapColumnOrWidth(static_cast<int>(layoutManager_->document().textWidth()));
     setAttribute(Qt::WA_TranslucentBackground);
     viewport()->setAutoFillBackground(false);
     setAcceptRichText(false);
@@ -38,7 +39,7 @@ VLSelectedTextView::VLSelectedTextView(std::shared_ptr<VLLayoutManager> layoutMa
     });
     connect(&caretBlink_, &QTimer::timeout, this, [this] {
         caretShown_ = !caretShown_;
-        viewport()->update(caretRect());
+        viewport()->update(caretRect().toAlignedRect());
     });
 }
 
@@ -48,30 +49,18 @@ VLSelectedTextView::~VLSelectedTextView() {
 }
 
 void VLSelectedTextView::setTextFrame(const VLRect& frame) {
-    // The edit view may begin between two whole units of its widget; the document makes up for it.
-    const VLPoint inWindow = superview_.convertPointToWindow({frame.x, frame.maxY()});
-    const QWidget* window = superview_.window();
-    const QPointF corner =
-        superview_.mapFrom(window, QPointF(inWindow.x, window->height() - inWindow.y)) -
-        QPointF(kMargin, kMargin);
-    const QPoint whole(static_cast<int>(std::floor(corner.x() + 1e-6)),
-                       static_cast<int>(std::floor(corner.y() + 1e-6)));
-    layoutManager_->setInset(corner - whole + QPointF(kMargin, kMargin));
+    constexpr double margin = VLLayoutManager::kMargin;
+    const VLRect around = frame.insetBy(-margin, -margin);
+    const QRect whole = superview_.widgetRect(around);
+    origin_ = superview_.widgetPoint({around.x, around.maxY()}) - whole.topLeft();
     setLineWrapColumnOrWidth(static_cast<int>(document()->textWidth()));
-    setGeometry(QRect(whole, QSize(static_cast<int>(std::ceil(frame.width + 2 * kMargin)) + 1,
-                                   static_cast<int>(std::ceil(frame.height + 2 * kMargin)) + 1)));
+    setGeometry(whole);
     updateMicroFocus();
 }
 
 void VLSelectedTextView::setColor(const QColor& color) {
-    QPalette colors = palette();
-    QColor highlight = colors.color(QPalette::Active, QPalette::Highlight);
-    highlight.setAlpha(110);
-    colors.setColor(QPalette::Base, Qt::transparent);
-    colors.setColor(QPalette::Text, color);
-    colors.setColor(QPalette::HighlightedText, color);
-    colors.setColor(QPalette::Highlight, highlight);
-    setPalette(colors);
+    color_ = color;
+    viewport()->update();
 }
 
 void VLSelectedTextView::finishComposition() {
@@ -87,10 +76,10 @@ void VLSelectedTextView::finishComposition() {
 
 // Caret ----------------------------------------------------------------------------------------
 
-QRect VLSelectedTextView::caretRect() const {
+QRectF VLSelectedTextView::caretRect() const {
     const QRect line = cursorRect();
     const int width = std::clamp(line.height() / 24, 1, 3);
-    return {line.x(), line.y(), width, line.height()};
+    return {line.topLeft() + origin_, QSizeF(width, line.height())};
 }
 
 void VLSelectedTextView::restartCaret() {
@@ -104,10 +93,14 @@ void VLSelectedTextView::restartCaret() {
 }
 
 void VLSelectedTextView::paintEvent(QPaintEvent* event) {
-    QTextEdit::paintEvent(event);
-    if (!caretShown_) return;
     QPainter painter(viewport());
-    painter.fillRect(caretRect(), palette().color(QPalette::Text));
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(origin_);
+    layoutManager_->drawDocument(painter, color_, QRectF(event->rect()).translated(-origin_),
+                                 textCursor());
+    painter.resetTransform();
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    if (caretShown_) painter.fillRect(caretRect(), color_);
 }
 
 void VLSelectedTextView::focusInEvent(QFocusEvent* event) {

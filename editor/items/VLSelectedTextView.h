@@ -13,13 +13,10 @@ class VLView;
 /// Where the user types the text of an item: caret, selection, clipboard and input methods.
 ///
 /// It lies in the edit view over the item's place, draws the item's own text and stays clear
-/// elsewhere. The widget is wider than the text by `kMargin` on each side, for the caret and for
-/// glyphs that lean out. Presses of other buttons than the left, and keys that mean nothing to a
-/// text, go on to the edit view.
+/// elsewhere. The widget is wider than the text by the document's margin on each side. Presses of
+/// the right button, and keys that mean nothing to a text, go on to the edit view.
 class VLSelectedTextView : public QTextEdit {
  public:
-    static constexpr double kMargin = 5.0;
-
     /// Edits the manager's document, and keeps it for as long. The superview owns the view.
     VLSelectedTextView(std::shared_ptr<VLLayoutManager> layoutManager, VLView& superview);
     ~VLSelectedTextView() override;
@@ -50,11 +47,14 @@ class VLSelectedTextView : public QTextEdit {
     [[nodiscard]] QMimeData* createMimeDataFromSelection() const override;
 
  private:
-    [[nodiscard]] QRect caretRect() const;
+    [[nodiscard]] QRectF caretRect() const;
     void restartCaret();
 
     std::shared_ptr<VLLayoutManager> layoutManager_;
     VLView& superview_;
+    QColor color_;
+    /// Where the document begins: widgets lie on whole units, the edit view need not.
+    QPointF origin_;
     QTimer caretBlink_;
     bool caretShown_ = false;
     /// An input method may draw a caret of its own, and asks for none then.

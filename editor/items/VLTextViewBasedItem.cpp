@@ -185,7 +185,7 @@ void VLTextViewBasedItem::textColorDidChange() {
 
 void VLTextViewBasedItem::drawGraph(QPainter& painter, const VLRect& dirtyRect) {
     if (textView_) return;
-    const double margin = VLSelectedTextView::kMargin;
+    const double margin = VLLayoutManager::kMargin;
     const VLRect clip = textFrame_.insetBy(-margin, -margin);
     painter.save();
     painter.setClipRect(QRectF(clip.x, clip.y, clip.width, clip.height), Qt::IntersectClip);

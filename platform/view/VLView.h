@@ -62,6 +62,8 @@ class VLView : public QWidget {
 
     /// The rectangle grown to whole widget units, in the widget's own y-down coordinates.
     [[nodiscard]] QRect widgetRect(const VLRect& rect) const;
+    /// The place of a point in the widget's own y-down coordinates.
+    [[nodiscard]] QPointF widgetPoint(VLPoint point) const;
 
     [[nodiscard]] VLPoint convertPointFromWindow(VLPoint point) const;
     [[nodiscard]] VLPoint convertPointToWindow(VLPoint point) const;
@@ -123,7 +125,6 @@ class VLView : public QWidget {
     friend QImage renderViewTree(VLView& view, const VLRect& rect, double scale);
     void resizeSubviews(VLSize before);
     void applyOpacity();
-    [[nodiscard]] QPointF widgetPoint(VLPoint point) const;
     [[nodiscard]] VLPoint viewPoint(QPointF point) const;
 
     VLRect frame_;
