@@ -2,6 +2,7 @@
 
 #include "capture/VLCaptureManager.h"
 #include "capture/VLCaptureWindow.h"
+#include "crash/VLCrashCvrManager.h"
 #include "platform/view/Application.h"
 #include "platform/view/drawing.h"
 #include "platform/windowserver/WindowServer.h"
@@ -25,6 +26,7 @@ void loadLook() {
 }  // namespace
 
 void VLPrepareCapture() {
+    VLCrashCvrManager::startCrashReport();
     VLStartStatistics();
     // An application object is the host's to make, and it may not have come to that yet.
     if (!vorla::attachToApplication()) return;

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "NEX/NEX/OzuNexManager.h"
+#include "crash/VLCrashCvrManager.h"
 #include "platform/base/MainQueue.h"
 #include "platform/base/VLLog.h"
 #include "platform/base/raii.h"
@@ -47,6 +48,7 @@ std::shared_ptr<VLCaptureManager> VLCaptureManager::sharedInstance() {
 
 VLCaptureManager::VLCaptureManager() {
     VLLog("<VLCaptureManager> init");
+    VLCrashCvrManager::startCrashReport();
     OzuNexManager::defaultManager().startStat();
     VLCaptureThemeManager::sharedInstance().resetTheme();
     screenCount_ = numberOfScreens();

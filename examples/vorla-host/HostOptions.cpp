@@ -3,6 +3,27 @@
 #include <QCommandLineParser>
 #include <cstdio>
 
+namespace {
+
+bool readCrash(const QCommandLineParser& parser, HostOptions& options) {
+    const std::string when = parser.value("crash-when").toStdString();
+    options.crashWhenPanels = when == "panels";
+    if (!when.empty() && when != "ready" && when != "panels") {
+        std::fprintf(stderr, "unknown event: %s\n", when.c_str());
+        return false;
+    }
+    if (!parser.isSet("crash")) return true;
+    const std::string kind = parser.value("crash").toStdString();
+    options.crash = crashKind(kind);
+    if (options.crash) return true;
+    std::fprintf(stderr, "%s\n", kind == "list" ? "" : ("unknown kind: " + kind).c_str());
+    for (const CrashKind& known : crashKinds())
+        std::fprintf(stderr, "%-20s%s\n", known.name.data(), known.what.data());
+    return false;
+}
+
+}  // namespace
+
 std::optional<HostOptions> HostOptions::parse(const QStringList& arguments) {
     QCommandLineParser parser;
     parser.setApplicationDescription(
@@ -21,6 +42,8 @@ std::optional<HostOptions> HostOptions::parse(const QStringList& arguments) {
         {"state-dir", "Keep all settings and files under <dir>.", "dir"},
         {"stat-url", "Send the usage statistics to <url>.", "url"},
         {"crash-url", "Send crash reports to <url>.", "url"},
+        {"crash", "Die in the way of <kind>; \"list\" lists them.", "kind"},
+        {"crash-when", "Die after that event: ready (the default) or panels.", "event"},
     });
     const bool understood = parser.parse(arguments);
     if (!understood) std::fprintf(stderr, "%s\n", qPrintable(parser.errorText()));
@@ -37,5 +60,6 @@ std::optional<HostOptions> HostOptions::parse(const QStringList& arguments) {
     options.stateDir = parser.value("state-dir");
     options.statURL = parser.value("stat-url");
     options.crashURL = parser.value("crash-url");
+    if (!readCrash(parser, options)) return std::nullopt;
     return options;
 }

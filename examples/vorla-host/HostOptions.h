@@ -4,6 +4,8 @@
 #include <QStringList>
 #include <optional>
 
+#include "CrashKinds.h"
+
 /// What the command line asks of the sample host.
 struct HostOptions {
     bool once = false;
@@ -16,6 +18,9 @@ struct HostOptions {
     QString stateDir;
     QString statURL;
     QString crashURL;
+    /// The way to die, or null, and whether to do so only when the panels are up.
+    const CrashKind* crash = nullptr;
+    bool crashWhenPanels = false;
 
     /// Reads the arguments. Nothing (with a message on standard error) when they make no sense, and
     /// after --help.

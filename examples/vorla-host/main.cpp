@@ -51,8 +51,9 @@ class Host : public VLCaptureRequestDelegate {
         request_->setShowSwitch(options_.showSwitch);
         request_->setNeedSelectSavePath(!options_.silentSave);
         request_->setDelegate(self);
-        VLSetPanelsShownHandler([](int screens) {
+        VLSetPanelsShownHandler([options = options_](int screens) {
             report(QJsonObject{{"event", "panels"}, {"screens", screens}});
+            if (options.crash && options.crashWhenPanels) options.crash->provoke();
         });
         VLPrepareCapture();
         if (!options_.once && !options_.background) {
@@ -62,6 +63,7 @@ class Host : public VLCaptureRequestDelegate {
         if (options_.commands) commands_.emplace([this](const QByteArray& line) { obey(line); });
         QTimer::singleShot(0, [this] {
             report("ready");
+            if (options_.crash && !options_.crashWhenPanels) options_.crash->provoke();
             if (options_.once) capture();
         });
     }
