@@ -130,7 +130,7 @@ std::span<const pid_t> CollectedCrash::listThreads() {
     return threads.first(count);
 }
 
-void CollectedCrash::collectThreads(const Registers& from, ucontext_t& own) {
+void CollectedCrash::collectThreads(const Registers& from, ucontext_t& own, bool hasCrashed) {
     registers = from;
     deadline_ = monotonicMilliseconds() + timeForThreads;
     const auto ids = listThreads();
@@ -139,14 +139,14 @@ void CollectedCrash::collectThreads(const Registers& from, ucontext_t& own) {
         threads_[i] = CrashThread();
         threads_[i].index = static_cast<int32_t>(i);
         threads_[i].id = ids[i];
-        threads_[i].crashed = ids[i] == ::gettid();
+        threads_[i].crashed = hasCrashed && ids[i] == ::gettid();
         if (threads_[i].crashed) crashed_ = &threads_[i];
     }
     StackWalker walker(own);
     for (CrashThread& thread : threads_)
-        if (thread.crashed) collectThread(thread, walker);
+        if (thread.id == ::gettid()) collectThread(thread, walker);
     for (CrashThread& thread : threads_)
-        if (!thread.crashed) collectThread(thread, walker);
+        if (thread.id != ::gettid()) collectThread(thread, walker);
 }
 
 void CollectedCrash::collectThread(CrashThread& thread, StackWalker& walker) {
@@ -159,7 +159,7 @@ void CollectedCrash::collectThread(CrashThread& thread, StackWalker& walker) {
 
     StackEntry stack[mostFrames];
     size_t count = 0;
-    if (thread.crashed) {
+    if (thread.id == ::gettid()) {
         count = walker.walk(registers, stack);
     } else if (monotonicMilliseconds() < deadline_) {
         ThreadStopper stopper;

@@ -60,10 +60,10 @@ class CollectedCrash {
                    bool symbolsOfOthers);
 
     /// Reads the stacks of all threads: first the calling one's, which is walked from `from`, then
-    /// each of the others, held still for that. `own` is the context of the running signal handler.
-    /// Threads that cannot be held, or for which there is no time (0.8 s for all) or room, have no
-    /// frames.
-    void collectThreads(const Registers& from, ucontext_t& own);
+    /// each of the others, held still for that. `own` is the context of the running signal handler,
+    /// `hasCrashed` whether the calling thread is the one that has crashed. Threads that cannot be
+    /// held, or for which there is no time (0.8 s for all) or room, have no frames.
+    void collectThreads(const Registers& from, ucontext_t& own, bool hasCrashed);
 
     /// The stack of an exception that was noted where nobody caught it.
     void addExceptionStack(std::span<const StackEntry> stack);

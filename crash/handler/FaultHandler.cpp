@@ -10,12 +10,11 @@
 #include <ctime>
 #include <memory>
 
-#include "crash/CvrCrashHandler.h"
 #include "crash/CvrNSExpHandler.h"
+#include "crash/handler/CrashKeeper.h"
 #include "crash/handler/FaultShield.h"
 #include "crash/handler/HandlerGuard.h"
 #include "crash/handler/NotedException.h"
-#include "crash/handler/RecordFile.h"
 #include "crash/handler/SignalNames.h"
 #include "crash/handler/ThreadStopper.h"
 
@@ -50,8 +49,7 @@ std::atomic<int> crashCount{0};
 std::atomic<bool> crashOver{false};
 
 /// What the first attempt had stored already: the second overwrites it.
-ShortText<64> storedFile;
-ShortText<32> storedHash;
+KeptRecord keptRecord;
 
 PresentCrash present;
 const CvrPreparedCrash nothing;
@@ -65,8 +63,7 @@ Role enter(int& count) {
     if (countedProcess.exchange(process) != process) {
         crashCount = 0;
         handlingThread = 0;
-        storedFile.clear();
-        storedHash.clear();
+        keptRecord.clear();
         crashOver = false;
     }
     const pid_t thread = ::gettid();
@@ -102,29 +99,6 @@ void sendAgain(int signal, siginfo_t* info) {
         ::syscall(SYS_tgkill, ::getpid(), ::gettid(), signal);
 }
 
-int64_t nowMilliseconds() {
-    timespec now{};
-    ::clock_gettime(CLOCK_REALTIME, &now);
-    return now.tv_sec * 1000 + now.tv_nsec / 1'000'000;
-}
-
-/// Whether a module name of the stack contains one of the texts.
-bool contains(std::span<const CrashFrame> stack, const std::vector<std::string>& texts) {
-    return std::ranges::any_of(stack, [&](const CrashFrame& frame) {
-        return std::ranges::any_of(texts, [&](const std::string& text) {
-            return frame.image->shortName.find(text) != std::string_view::npos;
-        });
-    });
-}
-
-/// The host's filters on the modules of the stack.
-bool isWanted(std::span<const CrashFrame> stack) {
-    const auto* const include = sessionState().includeShortNames.get();
-    const auto* const exclude = sessionState().excludeShortNames.get();
-    if (include && !include->empty() && !contains(stack, *include)) return false;
-    return !exclude || exclude->empty() || !contains(stack, *exclude);
-}
-
 /// One attempt at a report. Lives on the alternate stack; what is large lies in the arena.
 class Attempt {
  public:
@@ -138,11 +112,6 @@ class Attempt {
  private:
     void nameEvent();
     void writeTexts(const Preparation& prepared);
-    void store(const Preparation& prepared);
-    void notify(RecordFile& record);
-    [[nodiscard]] bool isForkedChild(const Preparation& prepared) const {
-        return prepared.process != ::getpid();
-    }
 
     siginfo_t* info_;
     ucontext_t* context_;
@@ -153,8 +122,6 @@ class Attempt {
     ShortText<16> signalText_, codeText_;
     ShortText<32> address_;
     ShortText<128> handlerEvent_;
-    char hash_[32];
-    char expUid_[36];
 };
 
 /// What the second attempt tells of the first.
@@ -162,7 +129,7 @@ CrashEvent firstEvent;
 const CollectedCrash* firstCrash = nullptr;
 
 void Attempt::nameEvent() {
-    event_.time = nowMilliseconds();
+    event_.time = wallClockMilliseconds();
     event_.handler = "Sig Handler";
     cvr_map_sig_name(event_.signal, info_->si_code, signalText_, codeText_);
     event_.type = signalText_.view();
@@ -200,9 +167,10 @@ void Attempt::run(const Preparation& prepared) {
     if (count_ == 1) firstCrash = crash_;
     if (const NotedException* const exception = notedException())
         crash_->addExceptionStack(exception->stack);
-    crash_->collectThreads(Registers(*context_), *context_);
+    crash_->collectThreads(Registers(*context_), *context_, true);
     writeTexts(prepared);
-    if (sessionState().prepared.get()) store(prepared);
+    if (sessionState().prepared.get())
+        keepCrash(facts_, prepared.process != ::getpid(), keptRecord, arena);
 }
 
 void Attempt::writeTexts(const Preparation& prepared) {
@@ -219,54 +187,6 @@ void Attempt::writeTexts(const Preparation& prepared) {
     facts_.log = log.view();
     facts_.handlerEvent = handlerEvent_.view();
     present = {event_.type, event_.error, facts_.log, facts_.callStack};
-}
-
-void Attempt::store(const Preparation& prepared) {
-    const CvrPreparedCrash& state = *facts_.prepared;
-    const FaultFolder folder(state.folder.c_str(), state.lockFile.c_str());
-    if (!folder) return;
-    TextBuffer stackIdentity(arena.takeSpan<char>(mostFrames * 20));
-    for (const CrashFrame& frame : crash_->crashStack())
-        stackIdentity.decimal(static_cast<int64_t>(frame.image->base));
-    const std::string_view identity[] = {state.appId, state.appVersion, event_.type,
-                                         stackIdentity.view()};
-    writeHash(identity, hash_);
-    writeRandomUuid(expUid_);
-    facts_.hash = {hash_, sizeof hash_};
-    facts_.expUid = {expUid_, sizeof expUid_};
-    facts_.machine = MachineFacts::read();
-    facts_.replacedFile = storedFile.view();
-    facts_.replacedHash = storedHash.view();
-    RecordFile record(facts_, folder, arena);
-    // A forked child knows the parent's state of long ago.
-    if (!isForkedChild(prepared)) record.markCrash();
-    if (isWanted(crash_->crashStack()) && record.save(sessionState().mergeUpload)) {
-        storedFile.clear();
-        storedFile.text(record.fileName());
-        storedHash.clear();
-        storedHash.text(facts_.hash);
-        notify(record);
-    }
-    if (!isForkedChild(prepared)) record.saveUserInfo();
-}
-
-void Attempt::notify(RecordFile& record) {
-    const void* const attachLog = sessionState().attachLog.get();
-    const void* const userMaps = sessionState().userMaps.get();
-    const void* const sceneData = sessionState().sceneData.get();
-    if (exp_call_back_func) exp_call_back_func();
-    // The host's function may have had more to tell.
-    if (attachLog != sessionState().attachLog.get() || userMaps != sessionState().userMaps.get() ||
-        sceneData != sessionState().sceneData.get())
-        record.save(false);
-    CvrExpObj& exp = *sessionState().listenersRecord;
-    exp.hash.assign(facts_.hash);
-    exp.expUid.assign(facts_.expUid);
-    exp.exceptionType.assign(event_.type.substr(0, exp.exceptionType.capacity()));
-    exp.time = event_.time;
-    exp.cashTime = facts_.cashTime();
-    for (const auto& listener : sessionState().listeners)
-        if (CvrCrashListener* const hears = listener) hears->onCrashHappened(exp);
 }
 
 /// The host's own signals would run its handlers in the midst of ours, and a limit on the size of
@@ -361,6 +281,7 @@ bool setSignalHandlers() {
     }
     handlingThread = 0;
     crashOver = false;
+    publishedStateInUse = false;
     installed = true;
     return true;
 }

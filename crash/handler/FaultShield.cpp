@@ -33,6 +33,13 @@ Shield* takeShield() {
     return nullptr;
 }
 
+/// A function of its own, for it returns a second time.
+[[gnu::noinline]] bool returnsFrom(Shield& shield, void (*work)(void*), void* argument) {
+    if (_setjmp(shield.wayOut) != 0) return false;
+    work(argument);
+    return true;
+}
+
 }  // namespace
 
 bool runShielded(void (*work)(void*), void* argument) {
@@ -44,11 +51,7 @@ bool runShielded(void (*work)(void*), void* argument) {
     ::sigaddset(&faults, SIGSEGV);
     ::sigaddset(&faults, SIGBUS);
     ::pthread_sigmask(SIG_UNBLOCK, &faults, &before);
-    bool whole = false;
-    if (_setjmp(shield->wayOut) == 0) {
-        work(argument);
-        whole = true;
-    }
+    const bool whole = returnsFrom(*shield, work, argument);
     shield->thread = 0;
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
     return whole;

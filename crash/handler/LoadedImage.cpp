@@ -56,25 +56,25 @@ void readDynamic(const Elf64_Dyn* entry, uint64_t bias, LoadedImage& image) {
     // The loader has added the bias to these addresses, but for the kernel's own image.
     const auto place = [&](uint64_t value) { return value < bias ? value + bias : value; };
     SymbolTable& table = image.exported;
-    const uint32_t* gnuHash = nullptr;
     const uint32_t* hash = nullptr;
     for (; entry->d_tag != DT_NULL; ++entry) {
         const uint64_t value = place(entry->d_un.d_ptr);
         if (entry->d_tag == DT_SYMTAB) table.symbols = reinterpret_cast<const Elf64_Sym*>(value);
         if (entry->d_tag == DT_STRTAB) table.names = reinterpret_cast<const char*>(value);
         if (entry->d_tag == DT_STRSZ) table.namesSize = entry->d_un.d_val;
-        if (entry->d_tag == DT_GNU_HASH) gnuHash = reinterpret_cast<const uint32_t*>(value);
+        if (entry->d_tag == DT_GNU_HASH) table.gnuHash = reinterpret_cast<const uint32_t*>(value);
         if (entry->d_tag == DT_HASH) hash = reinterpret_cast<const uint32_t*>(value);
     }
-    if (!table.symbols || !table.names) return;
-    if (hash)
+    if (!table.symbols || !table.names)
+        table = {};
+    else if (hash)
         table.count = hash[1];
-    else if (gnuHash)
-        table.count = countByGnuHash(gnuHash);
 }
 
 void searchTable(const SymbolTable& table, uint64_t wanted, const Elf64_Sym*& best) {
-    for (size_t i = 0; i < table.count; ++i) {
+    const size_t count =
+        table.count == 0 && table.gnuHash ? countByGnuHash(table.gnuHash) : table.count;
+    for (size_t i = 0; i < count; ++i) {
         const Elf64_Sym& symbol = table.symbols[i];
         const auto type = ELF64_ST_TYPE(symbol.st_info);
         if ((type != STT_FUNC && type != STT_GNU_IFUNC) || symbol.st_shndx == SHN_UNDEF) continue;

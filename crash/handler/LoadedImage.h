@@ -16,6 +16,8 @@ struct SymbolTable {
     size_t count = 0;
     const char* names = nullptr;
     size_t namesSize = 0;
+    /// Where `count` is not known beforehand, for finding it would touch the pages of all images.
+    const uint32_t* gnuHash = nullptr;
 };
 
 /// One loaded image: the program, a library, the kernel's own one.

@@ -302,7 +302,7 @@ void RecordFile::writeSession(ArchiveWriter& writer) {
         for (size_t i = events->size() < 100 ? 0 : 1; i < events->size(); ++i)
             writer.text((*events)[i]);
     }
-    writer.text(facts_->handlerEvent);
+    if (!facts_->handlerEvent.empty()) writer.text(facts_->handlerEvent);
     writer.end();
     writer.end();
 }

@@ -7,7 +7,7 @@
 #include <csignal>
 
 #include <atomic>
-#include <cstring>
+#include <utility>
 
 namespace vorla::crash {
 namespace {
@@ -25,6 +25,8 @@ struct Meeting {
     std::atomic<int> request{0};
     std::atomic<pid_t> thread{0};
     Registers registers;
+    void (*work)(void*, ucontext_t&) = nullptr;
+    void* argument = nullptr;
 };
 Meeting meeting;
 int stopSignal = 0;
@@ -46,11 +48,31 @@ void holdStill(int, siginfo_t* info, void* context) {
     uint32_t expected = asked;
     if (info->si_code == SI_QUEUE && info->si_value.sival_int == meeting.request &&
         meeting.thread == ::gettid() && meeting.state.compare_exchange_strong(expected, noting)) {
-        meeting.registers = Registers(*static_cast<ucontext_t*>(context));
-        setState(stopped);
-        waitWhile(meeting.state, stopped, longestHold);
+        auto& interrupted = *static_cast<ucontext_t*>(context);
+        if (const auto work = std::exchange(meeting.work, nullptr)) {
+            meeting.state = idle;
+            work(meeting.argument, interrupted);
+        } else {
+            meeting.registers = Registers(interrupted);
+            setState(stopped);
+            waitWhile(meeting.state, stopped, longestHold);
+        }
     }
     errno = before;
+}
+
+void ask(pid_t thread) {
+    meeting.thread = thread;
+    const int request = ++meeting.request;
+    meeting.state = asked;
+    siginfo_t info{};
+    info.si_signo = stopSignal;
+    info.si_code = SI_QUEUE;
+    info.si_pid = ::getpid();
+    info.si_uid = ::getuid();
+    info.si_value.sival_int = request;
+    if (::syscall(SYS_rt_tgsigqueueinfo, ::getpid(), thread, stopSignal, &info) == 0)
+        waitWhile(meeting.state, asked, longestWait);
 }
 
 }  // namespace
@@ -79,23 +101,21 @@ ThreadStopper::ThreadStopper() {
 
 bool ThreadStopper::stop(pid_t thread, Registers& registers) {
     if (stopSignal == 0) return false;
-    meeting.thread = thread;
-    const int request = ++meeting.request;
-    meeting.state = asked;
-    siginfo_t info{};
-    info.si_signo = stopSignal;
-    info.si_code = SI_QUEUE;
-    info.si_pid = ::getpid();
-    info.si_uid = ::getuid();
-    info.si_value.sival_int = request;
-    if (::syscall(SYS_rt_tgsigqueueinfo, ::getpid(), thread, stopSignal, &info) == 0)
-        waitWhile(meeting.state, asked, longestWait);
+    ask(thread);
     uint32_t expected = asked;
     if (meeting.state.compare_exchange_strong(expected, idle)) return false;
     waitWhile(meeting.state, noting, longestWait);
     if (meeting.state != stopped) return false;
     registers = meeting.registers;
     return true;
+}
+
+bool ThreadStopper::callInHandler(void (*work)(void*, ucontext_t&), void* argument) {
+    if (stopSignal == 0) return false;
+    meeting.work = work;
+    meeting.argument = argument;
+    ask(::gettid());
+    return std::exchange(meeting.work, nullptr) == nullptr;
 }
 
 void ThreadStopper::resume() {

@@ -21,6 +21,11 @@ class ThreadStopper {
     /// False when the thread did not stop within 20 ms: it has ended, or blocks all signals.
     bool stop(pid_t thread, Registers& registers);
     void resume();
+
+    /// Calls `work` on the calling thread from within the signal's handler, with the context that
+    /// this was given. For a walk of the process's stacks without a fault. False when it was not
+    /// called.
+    bool callInHandler(void (*work)(void* argument, ucontext_t& context), void* argument);
 };
 
 /// Milliseconds of a clock that only ever goes forward.
