@@ -146,13 +146,31 @@ VLPoint VLCaptureViewController::findToolbarPosition() {
 
 void VLCaptureViewController::handleReceivedConfirmSelectionNotification(
     const Notification& notification) {
-    if (notification.objectOr<const VLCaptureViewController*>(nullptr) == this) return;
+    if (notification.objectOr<const VLCaptureViewController*>(nullptr) == this) {
+        if (editViewController_) return;
+        editViewController_ = std::make_shared<VLEditViewController>(VLRect{});
+        editViewController_->view()->hide();
+        toolbarWindowController()->setDelegate(editViewController_);
+        return;
+    }
     needScreenCapture_ = false;
     if (captureView_) captureView_->setNeedScreenCapture(false);
 }
 
+bool VLCaptureViewController::editing() const {
+    return editViewController_ && editViewController_->view() &&
+           editViewController_->view()->superview();
+}
+
 void VLCaptureViewController::editDidBegin() {
-    if (needScreenCapture_ && captureView_) captureView_->setSelectComfirmed(true);
+    if (!needScreenCapture_ || !captureView_) return;
+    captureView_->setSelectComfirmed(true);
+    if (editing() || !editViewController_ || !editViewController_->view()) return;
+    VLView* editView = editViewController_->view();
+    backgroundImageView_->addSubview(editView);
+    editViewController_->setBackgroundImage(imageCaptured());
+    editView->setFrame(captureView_->pixelSelectedRectInWindow());
+    editView->show();
 }
 
 void VLCaptureViewController::captureDidFinish(const Notification& notification) {
@@ -160,7 +178,7 @@ void VLCaptureViewController::captureDidFinish(const Notification& notification)
     const auto keptAlive = shared_from_this();
     const bool needSave = notification.objectOr(false);
     VLLog("%s 是否需要保存图片文件 %d", __func__, needSave ? 1 : 0);
-    const QImage image = imageCaptured();
+    const QImage image = editing() ? editViewController_->imageEdited() : imageCaptured();
     VLLog("%s 生成图片 %dx%d", __func__, image.width(), image.height());
     const auto delegate = delegate_.lock();
     if (!image.isNull() && delegate)

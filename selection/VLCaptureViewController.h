@@ -4,6 +4,7 @@
 #include <QPointer>
 #include <memory>
 
+#include "editor/VLEditViewController.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/geometry.h"
 #include "selection/VLCaptureMagnifierView.h"
@@ -44,6 +45,10 @@ class VLCaptureViewController : public VLCaptureViewDelegate,
     VLCaptureSizeInfoView* sizeInfoView();
     /// Made at the first reading.
     const std::shared_ptr<VLToolbarWindowController>& toolbarWindowController();
+    /// Null before the first confirmation on this screen.
+    [[nodiscard]] const std::shared_ptr<VLEditViewController>& editViewController() const {
+        return editViewController_;
+    }
 
     /// Whether this screen still takes part.
     [[nodiscard]] bool needSelectRect() const { return needScreenCapture_; }
@@ -77,6 +82,7 @@ class VLCaptureViewController : public VLCaptureViewDelegate,
     void prepareToRecord();
     void prepareForCapture();
     void finishCapture();
+    [[nodiscard]] bool editing() const;
     [[nodiscard]] QImage generateCapturedImage() const;
 
     std::weak_ptr<VLCaptureViewControllerDelegate> delegate_;
@@ -88,5 +94,6 @@ class VLCaptureViewController : public VLCaptureViewDelegate,
     QPointer<VLCaptureMagnifierView> magifierView_;
     QPointer<VLCaptureSizeInfoView> sizeInfoView_;
     std::shared_ptr<VLToolbarWindowController> toolbarWindowController_;
+    std::shared_ptr<VLEditViewController> editViewController_;
     vorla::NotificationObservers observers_;
 };

@@ -31,7 +31,7 @@ TEST_P(ViewController, DeliversExactlyTheSelectedPixels) {
 TEST_P(ViewController, DeliversAClickedWindowsOwnPicture) {
     vorla::MemoryWindowServer::Window window;
     window.entry.number = 5;
-    window.nativeFrame = {10, 10, 50, 40};
+    window.nativeFrame = {10, 10, int(50 * scale()), int(40 * scale())};
     window.colour = 0xff123456U;
     server_->setWindows(std::vector{window});
     const auto info = addWindow({100, 100, 50, 40});
@@ -40,7 +40,7 @@ TEST_P(ViewController, DeliversAClickedWindowsOwnPicture) {
     pointer_.click({120, 270});
     finish();
     ASSERT_EQ(snapping_->finished.size(), 1U);
-    EXPECT_EQ(snapping_->finished[0].first.size(), QSize(50, 40));
+    EXPECT_EQ(snapping_->finished[0].first.size(), QSize(50, 40) * scale());
     EXPECT_EQ(snapping_->finished[0].first.pixel(9, 9), 0xff123456U);
 }
 

@@ -1,0 +1,115 @@
+#include "editor/SparsePicture.h"
+
+#include <sys/mman.h>
+
+#include <QPainter>
+#include <algorithm>
+#include <cstring>
+
+namespace vorla {
+namespace {
+
+/// Narrow, so that an upright line touches few pages of memory; four rows make one.
+constexpr int stripWidth = 256;
+constexpr int blockRows = 64;
+
+struct Mapping {
+    void* address;
+    size_t length;
+};
+
+/// A transparent picture whose pages the system provides at their first use.
+QImage lazyImage(int width, int height) {
+    const size_t length = static_cast<size_t>(width) * 4 * height;
+    void* address =
+        mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (address == MAP_FAILED) return {};
+    madvise(address, length, MADV_NOHUGEPAGE);
+    const auto unmap = [](void* info) {
+        const std::unique_ptr<Mapping> mapping(static_cast<Mapping*>(info));
+        munmap(mapping->address, mapping->length);
+    };
+    auto mapping = std::make_unique<Mapping>(Mapping{address, length});
+    QImage image(static_cast<uchar*>(address), width, height, width * qsizetype{4},
+                 QImage::Format_ARGB32_Premultiplied, unmap, mapping.get());
+    if (image.isNull()) {
+        unmap(mapping.release());
+        return {};
+    }
+    mapping.release();
+    return image;
+}
+
+QRect stripRect(size_t index, QSize size) {
+    return QRect(static_cast<int>(index) * stripWidth, 0, stripWidth, size.height()) &
+           QRect(QPoint(), size);
+}
+
+}  // namespace
+
+void SparsePicture::setSize(QSize pixels) {
+    size_ = pixels;
+    strips_.clear();
+    if (!pixels.isEmpty())
+        strips_.resize((static_cast<size_t>(pixels.width()) + stripWidth - 1) / stripWidth);
+}
+
+bool SparsePicture::provide(Strip& strip) const {
+    if (strip.image.isNull()) {
+        strip.image = lazyImage(stripWidth, size_.height());
+        strip.painted.assign(static_cast<size_t>(size_.height() / blockRows + 1), false);
+    }
+    return !strip.image.isNull();
+}
+
+void SparsePicture::erase(const QRegion& region) {
+    for (size_t i = 0; i < strips_.size(); ++i) {
+        Strip& strip = strips_[i];
+        if (strip.image.isNull()) continue;
+        const QRect place = stripRect(i, size_);
+        for (const QRect& rect : region) {
+            const QRect part = rect & place;
+            for (int y = part.top(); y <= part.bottom(); ++y) {
+                if (!strip.painted[static_cast<size_t>(y / blockRows)]) continue;
+                std::memset(strip.image.scanLine(y) + (part.left() - place.left()) * 4, 0,
+                            static_cast<size_t>(part.width()) * 4);
+            }
+        }
+    }
+}
+
+void SparsePicture::paint(const QRegion& region, const Draw& draw) {
+    for (size_t i = 0; i < strips_.size(); ++i) {
+        const QRect place = stripRect(i, size_);
+        const QRegion part = region & place;
+        if (part.isEmpty() || !provide(strips_[i])) continue;
+        for (const QRect& rect : part)
+            for (int block = rect.top() / blockRows; block <= rect.bottom() / blockRows; ++block)
+                strips_[i].painted[static_cast<size_t>(block)] = true;
+        QPainter painter(&strips_[i].image);
+        painter.setClipRegion(part.translated(-place.topLeft()));
+        painter.translate(-place.topLeft());
+        draw(painter);
+    }
+}
+
+void SparsePicture::drawTo(QPainter& painter, const QRegion& region) const {
+    for (size_t i = 0; i < strips_.size(); ++i) {
+        const Strip& strip = strips_[i];
+        if (strip.image.isNull()) continue;
+        const QRect place = stripRect(i, size_);
+        for (const QRect& rect : region) {
+            const QRect part = rect & place;
+            if (part.isEmpty()) continue;
+            const int last = part.bottom() / blockRows;
+            for (int block = part.top() / blockRows; block <= last; ++block) {
+                if (!strip.painted[static_cast<size_t>(block)]) continue;
+                const QRect rows =
+                    part & QRect(place.x(), block * blockRows, stripWidth, blockRows);
+                painter.drawImage(rows.topLeft(), strip.image, rows.translated(-place.topLeft()));
+            }
+        }
+    }
+}
+
+}  // namespace vorla
