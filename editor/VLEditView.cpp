@@ -5,8 +5,11 @@
 
 #include "editor/VLEditNotifications.h"
 #include "editor/items/VLArrowItem.h"
+#include "editor/items/VLMosaicCurveItem.h"
 #include "editor/items/VLOvalItem.h"
 #include "editor/items/VLRoundRectItem.h"
+#include "editor/items/VLTagItem.h"
+#include "editor/items/VLTextItem.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/VLLog.h"
 #include "platform/view/VLPanel.h"
@@ -56,6 +59,18 @@ VLEditView::Item VLEditView::newItem() const {
         case VLEditGraphTypeArrow:
             item = std::make_shared<VLArrowItem>(surface_, faraway, VLSize{});
             break;
+        case VLEditGraphTypeText:
+            item = std::make_shared<VLTextItem>(surface_, VLPoint{}, VLSize{});
+            break;
+        case VLEditGraphTypeCurve:
+            item = std::make_shared<VLCurveItem>(surface_, VLPoint{}, VLSize{});
+            break;
+        case VLEditGraphTypeMosaicPen:
+            item = std::make_shared<VLMosaicCurveItem>(surface_, VLPoint{}, VLSize{});
+            break;
+        case VLEditGraphTypeTag:
+            item = std::make_shared<VLTagItem>(surface_, VLPoint{}, VLSize{});
+            break;
         default:
             return nullptr;
     }
@@ -71,18 +86,21 @@ VLEditView::Item VLEditView::newItem() const {
 }
 
 bool VLEditView::itemIsTextViewBaseItem(const VLEditItem* item) {
-    return item &&
-           (item->graphType() == VLEditGraphTypeText || item->graphType() == VLEditGraphTypeTag);
+    return dynamic_cast<const VLTextViewBasedItem*>(item) != nullptr;
 }
 
-QString VLEditView::contentOfTextItem(const VLEditItem&) {
-    return {};
+QString VLEditView::contentOfTextItem(const VLEditItem& item) {
+    const auto* text = dynamic_cast<const VLTextViewBasedItem*>(&item);
+    return text ? text->contentString() : QString();
 }
 
-void VLEditView::setContentOfTextItem(VLEditItem&, const QString&) {}
+void VLEditView::setContentOfTextItem(VLEditItem& item, const QString& text) {
+    if (auto* textItem = dynamic_cast<VLTextViewBasedItem*>(&item))
+        textItem->setContentString(text);
+}
 
 bool VLEditView::itemIsBottomLevel(const VLEditItem& item) {
-    return item.graphType() == VLEditGraphTypeMosaicPen;
+    return dynamic_cast<const VLMosaicCurveItem*>(&item) != nullptr;
 }
 
 bool VLEditView::contains(const VLEditItem& item) const {
@@ -158,7 +176,8 @@ void VLEditView::postFocusItemDidChange(const VLEditItem& item) {
         {VLFocusItemGraphType, static_cast<int64_t>(item.graphType())},
         {VLFocusItemLineWidth, item.normalStrokeWidth()},
     };
-    if (item.normalStrokeColor().isValid()) facts[VLFocusItemLineColor] = item.normalStrokeColor();
+    if (item.normalStrokeColor().isValid())
+        facts[VLFocusItemLineColor] = notificationColor(item.normalStrokeColor());
     NotificationCenter::defaultCenter().post(VLNotificationFocusItemDidChange, std::move(facts));
 }
 

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "editor/devicePainting.h"
+#include "editor/items/VLMosaicCurveItem.h"
 #include "platform/base/VLLog.h"
 
 /// Shows the picture pixel for pixel.
@@ -49,6 +50,7 @@ VLEditViewController::VLEditViewController(const VLRect& frame)
 }
 
 VLEditViewController::~VLEditViewController() {
+    VLMosaicCurveItem::setOriginalImage({});
     if (backgroundImageView_) {
         backgroundImageView_->hide();
         backgroundImageView_->removeFromSuperview();
@@ -64,6 +66,7 @@ VLView* VLEditViewController::view() const {
 void VLEditViewController::setBackgroundImage(const QImage& image) {
     if (!backgroundImageView_ || !backgroundImageView_->image().isNull() || image.isNull()) return;
     backgroundImageView_->setImage(image);
+    VLMosaicCurveItem::setOriginalImage(image);
 }
 
 void VLEditViewController::graphTypeDidChange(int64_t graphType) {
