@@ -92,9 +92,11 @@ QImage frostedGlass(const QImage& picture, const VLRect& part, double radius, co
     const QImage source =
         picture.depth() == 32 ? picture : picture.convertedTo(QImage::Format_RGB32);
     const double scale = picture.devicePixelRatio();
-    const QRectF exact(part.x * scale, picture.height() - part.maxY() * scale, part.width * scale,
-                       part.height * scale);
-    const QRect target = exact.toAlignedRect();
+    const auto pixels = [scale](double points) {
+        return static_cast<int>(std::lround(points * scale));
+    };
+    const QRect target(pixels(part.x), picture.height() - pixels(part.maxY()), pixels(part.width),
+                       pixels(part.height));
     QImage glass(target.size(), QImage::Format_ARGB32_Premultiplied);
     if (glass.isNull()) return {};
     // Three boxes of 2r + 1 pixels have the variance r (r + 1): r is about the deviation.

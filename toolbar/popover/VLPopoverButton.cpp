@@ -41,7 +41,7 @@ void VLPopoverButton::drawRect(QPainter& painter, const VLRect& /*dirtyRect*/) {
     if (type_ & VLPopoverTypeLineColor && selectedColor_.isValid()) {
         outline(colorBorderColor_, selectedColor_);
     } else if (type_ & VLPopoverTypeFontSize && fontSize_ != 0) {
-        vorla::drawText(painter, QString::number(fontSize_), popoverFont(12.0), fontColor_,
+        vorla::drawText(painter, QString::number(fontSize_), popoverFont(11.0), fontColor_,
                         {17.0, 3.0});
         outline(fontBorderColor_, Qt::NoBrush);
     } else {

@@ -53,7 +53,7 @@ void VLPopoverFontSizeViewForIbis::fontSizeButtonDidClick(const VLPopoverFontSiz
 
 void VLPopoverFontSizeViewForIbis::drawRect(QPainter& painter, const VLRect& /*dirtyRect*/) {
     const auto unit = vorla::Bundle::framework().localizedString("pt");
-    vorla::drawText(painter, QString::fromStdString(unit), popoverFont(12.0), fontColor_,
+    vorla::drawText(painter, QString::fromStdString(unit), popoverFont(11.0), fontColor_,
                     {32.0, 12.0});
 }
 
