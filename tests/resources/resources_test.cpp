@@ -135,9 +135,11 @@ TEST_P(Themes, KeepTextLegibleAndLinesVisible) {
         {"VLMagnifier_FontColor", "VLMagnifierInfoBackgroundColor", 4.5},
         {"VLPopoverFontSize_FontColor", "VLPopoverMenu_HoverColor", 4.5},
         {"VLCaptureView_SelectRect_BorderColor", "VLCaptureView_BackgroundColor", 3.0}};
-    for (const auto& [front, back, least] : pairs)
-        EXPECT_GE((luminance(colour(front)) + 0.05) / (luminance(colour(back)) + 0.05), least)
-            << front;
+    for (const auto& [front, back, least] : pairs) {
+        // Light on dark, or dark on light.
+        const auto [low, high] = std::minmax({luminance(colour(front)), luminance(colour(back))});
+        EXPECT_GE((high + 0.05) / (low + 0.05), least) << front;
+    }
 }
 
 TEST_P(Themes, FitButtonsIntoTheirPanels) {
