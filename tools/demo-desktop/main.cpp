@@ -14,41 +14,16 @@
 #include <QProcess>
 #include <QScreen>
 #include <cstdio>
-#include <functional>
-#include <map>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "examples/demo-desktop/EditorWindow.h"
-#include "examples/demo-desktop/NotesWindow.h"
-#include "examples/demo-desktop/TerminalWindow.h"
-#include "examples/demo-desktop/ViewerWindow.h"
-#include "examples/demo-desktop/Wallpaper.h"
+#include "tools/demo-desktop/DemoWindow.h"
 
 namespace {
 
 using namespace vorla::demo;
-
-template <typename Window>
-std::unique_ptr<DemoWindow> make() {
-    return std::make_unique<Window>();
-}
-
-struct Entry {
-    std::string name;       // also the instance part of WM_CLASS
-    std::string className;  // its class part
-    std::unique_ptr<DemoWindow> (*make)();
-};
-
-/// The windows in the order in which they open: later ones lie above.
-const std::vector<Entry>& windows() {
-    static const std::vector<Entry> list = {{"editor", "DemoEditor", &make<EditorWindow>},
-                                            {"viewer", "DemoViewer", &make<ViewerWindow>},
-                                            {"terminal", "DemoTerminal", &make<TerminalWindow>},
-                                            {"notes", "DemoMessages", &make<NotesWindow>}};
-    return list;
-}
 
 void announce(const char* word) {
     std::puts(word);
@@ -59,7 +34,7 @@ void announce(const char* word) {
 class Launcher {
  public:
     void startNext() {
-        if (processes_.size() == windows().size()) return announce("ready");
+        if (processes_.size() == std::size(windowPlans)) return announce("ready");
         auto process = std::make_unique<QProcess>();
         process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
         process->setChildProcessModifier([] { prctl(PR_SET_PDEATHSIG, SIGTERM); });
@@ -69,7 +44,7 @@ class Launcher {
                          });
         QObject::connect(process.get(), &QProcess::errorOccurred,
                          [](QProcess::ProcessError) { QCoreApplication::exit(1); });
-        const QString name = QString::fromStdString(windows()[processes_.size()].name);
+        const QString name = QString::fromUtf8(windowPlans[processes_.size()].name);
         process->start(QCoreApplication::applicationFilePath(), {"--window", name});
         processes_.push_back(std::move(process));
     }
@@ -89,20 +64,21 @@ class Launcher {
 int runDesktop(int argc, char** argv) {
     QApplication application(argc, argv);
     Launcher launcher;
-    Wallpaper wallpaper;
+    DemoWindow wallpaper(wallpaperPlan);
+    wallpaper.becomeDesktop();
     wallpaper.setPaintedHandler([&launcher] { launcher.startNext(); });
     wallpaper.show();
     return QApplication::exec();
 }
 
-int runWindow(const Entry& entry, int argc, char** argv) {
+int runWindow(const WindowPlan& plan, int argc, char** argv) {
     // The instance and the class that the window manager and other programs know the window by.
-    qputenv("RESOURCE_NAME", QByteArray::fromStdString(entry.name));
+    qputenv("RESOURCE_NAME", plan.name);
     QApplication application(argc, argv);
-    QApplication::setApplicationName(QString::fromStdString(entry.className));
-    const auto window = entry.make();
-    window->setPaintedHandler([] { announce("painted"); });
-    window->show();
+    QApplication::setApplicationName(QString::fromUtf8(plan.className));
+    DemoWindow window(plan);
+    window.setPaintedHandler([] { announce("painted"); });
+    window.show();
     return QApplication::exec();
 }
 
@@ -119,9 +95,8 @@ int look(const char* file, int argc, char** argv) {
 int main(int argc, char** argv) {
     if (argc == 1) return runDesktop(argc, argv);
     if (argc == 3 && std::string(argv[1]) == "--window") {
-        for (const Entry& entry : windows()) {
-            if (entry.name == argv[2]) return runWindow(entry, argc, argv);
-        }
+        for (const WindowPlan& plan : windowPlans)
+            if (std::string(plan.name) == argv[2]) return runWindow(plan, argc, argv);
         std::fprintf(stderr, "vorla-demo-desktop: no window is called \"%s\"\n", argv[2]);
         return 2;
     }
