@@ -35,27 +35,6 @@ TEST(NexAgent, AddressesAreRepeatedAsOftenAsTheyMayBeTried) {
     EXPECT_EQ(PatientAgent(2).generateRequestURLsSequence({}), Urls{});
 }
 
-TEST(NexAgent, OneCachedAgentForEachServant) {
-    const auto agent = NexAgent::cachedInstanceWithServant("one");
-    EXPECT_EQ(agent->servantName(), "one");
-    EXPECT_EQ(NexAgent::cachedInstanceWithServant("one"), agent);
-    EXPECT_NE(NexAgent::cachedInstanceWithServant("two"), agent);
-}
-
-TEST(NexAgent, PacketBecomesTheBody) {
-    ZenPacket packet;
-    vorla::HTTPRequest request;
-    NexAgent("x").setupPostDataAndExtraHeadFields(request, packet, {});
-    EXPECT_EQ(request.body, packet.toData());
-}
-
-TEST(NexAgent, MisuseOfTheBaseEndsTheProcess) {
-    EXPECT_DEATH((void)NexAgent("x").zGuid(), "zGuid");
-    EXPECT_DEATH((void)NexAgent("x").serverURLs(), "serverURLs");
-    EXPECT_DEATH((void)NexAgent::agent(), "servant");
-    EXPECT_DEATH((void)NexService::service(), "agent");
-}
-
 TEST(NexAgent, FramesAreTestedBeforeTheyAreRead) {
     const vorla::test::LogRecorder log;
     const NexAgent agent("x");
@@ -109,16 +88,6 @@ TEST(NexAgent, DamagedRepliesAreRefused) {
             }
         }
     }
-}
-
-TEST(HTTPRequest, HeaderFieldsAreReplacedWhateverTheirCase) {
-    vorla::HTTPRequest request;
-    request.setValue("1", "Z-Guid");
-    request.setValue("2", "z-guid");
-    request.setValue("3", "Other");
-    EXPECT_EQ(request.headerFields, (vorla::HTTPHeaderFields{{"Z-Guid", "2"}, {"Other", "3"}}));
-    EXPECT_EQ(request.valueForHTTPHeaderField("OTHER"), "3");
-    EXPECT_EQ(request.valueForHTTPHeaderField("missing"), "");
 }
 
 }  // namespace

@@ -44,53 +44,15 @@ std::future<HTTPResult> send(OzuHTTPSessionManager& session, vorla::HTTPRequest 
     return done->get_future();
 }
 
-TEST(HTTPSession, FaultyServersEndWithoutABody) {
-    const struct {
-        std::vector<std::string> server;
-        bool body;
-        std::chrono::milliseconds limit;
-    } rows[] = {
-        {{"--reply", "good"}, true, 1s},
-        {{"--reply", "good", "--status", "500"}, true, 1s},
-        {{"--reply", "empty"}, true, 1s},
-        {{"--reply", "good", "--encoding", "gzip"}, true, 1s},
-        {{"--reply", "good", "--encoding", "deflate"}, true, 1s},
-        {{"--reply", "silent"}, false, 3s},
-        {{"--reply", "drip"}, false, 3s},
-        {{"--reply", "close"}, false, 1s},
-        {{"--reply", "cut"}, false, 1s},
-        {{"--reply", "not-http"}, false, 1s},
-        {{"--reply", "endless"}, false, 2s},
-        {{"--reply", "bomb"}, false, 2s},
-        {{"--reply", "headers"}, false, 2s},
-    };
+// What else a server may do wrong is listed once, where uploads are tested; these take time.
+TEST(HTTPSession, ServersThatDoNotEndAreGivenUpInTime) {
     OzuHTTPSessionManager session(shortLimits());
-    for (const auto& row : rows) {
-        SCOPED_TRACE(testing::PrintToString(row.server));
-        const StatServer server(row.server);
+    for (const char* reply : {"silent", "drip", "headers"}) {
+        const StatServer server({"--reply", reply});
         const auto start = std::chrono::steady_clock::now();
         const HTTPResult result = send(session, requestTo(server.url())).get();
-        EXPECT_LT(std::chrono::steady_clock::now() - start, row.limit + 2s);
-        EXPECT_EQ(result.body.has_value(), row.body) << result.error;
-        EXPECT_EQ(result.error.empty(), row.body) << result.error;
-    }
-}
-
-TEST(HTTPSession, AnAnswerIsDeliveredUnpackedWithStatusAndHeaderFields) {
-    OzuHTTPSessionManager session(shortLimits());
-    const StatServer plain({"--status", "404"});
-    const HTTPResult reference = send(session, requestTo(plain.url())).get();
-    EXPECT_EQ(reference.response.statusCode, 404);
-    ASSERT_TRUE(reference.body);
-    for (const char* encoding : {"gzip", "deflate"}) {
-        const StatServer packed({"--encoding", encoding});
-        const HTTPResult result = send(session, requestTo(packed.url())).get();
-        EXPECT_EQ(result.body, reference.body) << encoding;
-        EXPECT_EQ(result.response.statusCode, 200);
-        bool told = false;
-        for (const auto& [name, value] : result.response.allHeaderFields)
-            told = told || (name == "Content-Encoding" && value == encoding);
-        EXPECT_TRUE(told);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, 5s) << reply;
+        EXPECT_TRUE(!result.body && !result.error.empty()) << reply;
     }
 }
 
@@ -106,16 +68,6 @@ TEST(HTTPSession, AFullMebibyteArrivesAndNotAByteMore) {
     OzuHTTPSessionManager tight(limits);
     EXPECT_FALSE(send(tight, requestTo(server.url())).get().body);
     EXPECT_EQ(vorla::HTTPLimits().largestBody, 1048576U);
-}
-
-TEST(HTTPSession, ARedirectIsNotFollowed) {
-    StatServer server({"--reply", "redirect"});
-    OzuHTTPSessionManager session(shortLimits());
-    const HTTPResult result = send(session, requestTo(server.url())).get();
-    EXPECT_EQ(result.response.statusCode, 302);
-    EXPECT_TRUE(result.body && result.body->empty());
-    EXPECT_EQ(server.nextRequest()["method"], "POST");
-    EXPECT_TRUE(server.nextRequest(200).empty());
 }
 
 TEST(HTTPSession, UnreachableAddressesFail) {
@@ -170,16 +122,6 @@ TEST(HTTPSession, AConnectionThatBreaksWhileItIsWrittenToRaisesNoSignal) {
     }
 }
 
-TEST(HTTPSession, ManyRequestsRunSideBySide) {
-    const StatServer server({"--delay", "0.5"});
-    OzuHTTPSessionManager session;
-    const auto start = std::chrono::steady_clock::now();
-    std::vector<std::future<HTTPResult>> replies;
-    for (int i = 0; i < 20; ++i) replies.push_back(send(session, requestTo(server.url())));
-    for (auto& reply : replies) EXPECT_TRUE(reply.get().body);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 5s);
-}
-
 TEST(HTTPSession, EndingASessionDropsWhatIsUnderWay) {
     const StatServer server({"--reply", "silent"});
     const auto start = std::chrono::steady_clock::now();
@@ -221,21 +163,6 @@ TEST(HTTPSession, HeaderFieldsWithLineBreaksAreLeftOut) {
     const std::string headers = server.nextRequest()["headers"].dump();
     EXPECT_EQ(headers.find("X-Injected"), std::string::npos);
     EXPECT_NE(headers.find("X-Good"), std::string::npos);
-}
-
-TEST(HTTPSession, ProgressIsTold) {
-    const StatServer server;
-    OzuHTTPSessionManager session(shortLimits());
-    const auto sent = std::make_shared<std::atomic<int64_t>>(0);
-    const auto received = std::make_shared<std::atomic<int64_t>>(0);
-    std::promise<HTTPResult> done;
-    session.dataTaskWithRequest(
-        requestTo(server.url()), [sent](int64_t bytes, int64_t) { *sent = bytes; },
-        [received](int64_t bytes, int64_t) { *received = bytes; },
-        [&](const HTTPResult& result) { done.set_value(result); }, CompletionQueue::Session);
-    const HTTPResult result = done.get_future().get();
-    EXPECT_EQ(*sent, 5);
-    EXPECT_EQ(*received, static_cast<int64_t>(result.body.value().size()));
 }
 
 }  // namespace

@@ -6,9 +6,7 @@
 #include <thread>
 
 #include "NEX/NEX+PAK/SerializationPAK/PakFailure.h"
-#include "NEX/NEX+PAK/SerializationPAK/PakObjectV2.h"
 #include "NEX/NEX/OzuNexEnvironment.h"
-#include "tests/support/LogRecorder.h"
 #include "tests/support/StatServer.h"
 #include "tests/support/TestMainLoop.h"
 
@@ -20,11 +18,6 @@ using vorla::test::TestMainLoop;
 using Packet = std::shared_ptr<ZenPacket>;
 
 constexpr const char* deadAddress = "http://127.0.0.1:1";
-
-class Question : public PakObjectV2 {
-    PAK_OBJECT_V2(Question, "Test.Question")
-    PAK_FIELD(std::string, pakv2_p_0_r_text, text)
-};
 
 class TestAgent : public OzuNexAgent {
  public:
@@ -96,27 +89,6 @@ TEST(OzuNexAgent, DeadAddressesAreTriedOnceEach) {
     EXPECT_EQ(call(*none).value(), nullptr);
 }
 
-TEST(OzuNexAgent, RepliesThatAreNoPacketComeBackAsNone) {
-    const vorla::test::LogRecorder log;
-    const struct {
-        const char* reply;
-        bool packet, logged;
-    } rows[] = {{"good", true, false},      {"no-code", true, false}, {"wrong-type", true, false},
-                {"empty", false, false},    {"short", false, true},   {"wrong-length", false, true},
-                {"no-fields", false, true}, {"garbage", false, true}, {"deep", false, true},
-                {"redirect", false, false}, {"many", true, false}};
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.reply);
-        const StatServer server({"--reply", row.reply});
-        const auto agent = std::make_shared<TestAgent>(std::vector{server.url()});
-        const auto before = log.count("NEX Response Data Invalid");
-        const auto reply = call(*agent);
-        ASSERT_TRUE(reply);
-        EXPECT_EQ(*reply != nullptr, row.packet);
-        EXPECT_EQ(log.count("NEX Response Data Invalid") - before, row.logged ? 1 : 0);
-    }
-}
-
 TEST(OzuNexAgent, MissingPartsOfACallAreRaised) {
     TestAgent agent({deadAddress});
     TestAgent nameless({deadAddress}, std::nullopt);
@@ -142,26 +114,6 @@ TEST(OzuNexAgent, MissingPartsOfACallAreRaised) {
     EXPECT_TRUE(called);
 }
 
-TEST(OzuNexAgent, TypedCallPutsTheRequestUnderItsName) {
-    const StatServer server;
-    const auto agent = std::make_shared<TestAgent>(std::vector{server.url()});
-    const auto question = Question::object();
-    question->setPak_text("why");
-    TestMainLoop loop;
-    // The reply has no structure to give.
-    std::optional<PakObjectPtr> answer;
-    agent->invocation("ask", question, Question::pakClass(),
-                      [&](PakObjectPtr object) { answer = std::move(object); });
-    ASSERT_TRUE(loop.runUntil([&] { return answer.has_value(); }));
-    EXPECT_EQ(*answer, nullptr);
-
-    agent->setReqAttrType("Own.Type");
-    answer.reset();
-    agent->invocation("ask", question, Question::pakClass(),
-                      [&](PakObjectPtr object) { answer = std::move(object); });
-    ASSERT_TRUE(loop.runUntil([&] { return answer.has_value(); }));
-}
-
 TEST(OzuNexAgent, BlockingCallReturnsTheReplyAlsoToTheMainThread) {
     const TestMainLoop loop;
     const StatServer server({"--return-code", "12"});
@@ -172,18 +124,6 @@ TEST(OzuNexAgent, BlockingCallReturnsTheReplyAlsoToTheMainThread) {
     EXPECT_EQ(reply->getReturnCode(), 12);
     const auto dead = std::make_shared<TestAgent>(std::vector<std::string>{deadAddress});
     EXPECT_EQ(dead->invocation("f", ZenPacket::packet()), nullptr);
-}
-
-TEST(OzuNexAgent, AReleasedAgentReadsNoReply) {
-    TestMainLoop loop;
-    StatServer server({"--delay", "0.3"});
-    auto agent = std::make_shared<TestAgent>(std::vector{server.url()});
-    std::optional<Packet> reply;
-    agent->invocation("f", ZenPacket::packet(), [&](Packet packet) { reply = packet; });
-    EXPECT_FALSE(server.nextRequest().empty());
-    agent.reset();
-    ASSERT_TRUE(loop.runUntil([&] { return reply.has_value(); }));
-    EXPECT_EQ(*reply, nullptr);
 }
 
 TEST(OzuNexAgent, AReleasedAgentTriesNoFurtherAddress) {

@@ -111,30 +111,31 @@ TEST_F(Upload, CountersAreErasedUnlessTheServerRefusesThem) {
     const struct {
         std::vector<std::string> server;
         bool erased;
+        const char* reason;
     } rows[] = {
-        {{}, true},
-        {{"--return-code", "5"}, false},
-        {{"--return-code", "-1"}, false},
-        {{"--return-code", "4294967296"}, true},
-        {{"--reply", "no-code"}, true},
-        {{"--reply", "wrong-type"}, false},
-        {{"--reply", "short"}, true},
-        {{"--reply", "wrong-length"}, true},
-        {{"--reply", "no-fields"}, true},
-        {{"--reply", "garbage"}, true},
-        {{"--reply", "deep"}, true},
-        {{"--reply", "many"}, true},
-        {{"--reply", "empty"}, true},
-        {{"--reply", "close"}, true},
-        {{"--reply", "cut"}, true},
-        {{"--reply", "endless"}, true},
-        {{"--reply", "bomb"}, true},
-        {{"--reply", "redirect"}, true},
-        {{"--status", "500"}, true},
-        {{"--status", "500", "--return-code", "1"}, false},
-        {{"--encoding", "gzip", "--return-code", "1"}, false},
-        {{"--encoding", "deflate", "--return-code", "1"}, false},
-        {{"--encoding", "gzip"}, true},
+        {{}, true, "reset stat success!"},
+        {{"--return-code", "5"}, false, "refuses the counters with code 5"},
+        {{"--return-code", "4294967296"}, true, "reset stat success!"},
+        {{"--reply", "no-code"}, true, "reset stat success!"},
+        {{"--reply", "wrong-type"}, false, "return code cannot be read: type mismatch!"},
+        {{"--reply", "short"}, true, "NEX Response Data Invalid"},
+        {{"--reply", "wrong-length"}, true, "NEX Response Data Invalid"},
+        {{"--reply", "no-fields"}, true, "reply cannot be read: required == NO"},
+        {{"--reply", "garbage"}, true, "reply cannot be read: "},
+        {{"--reply", "deep"}, true, "reply cannot be read: "},
+        {{"--reply", "many"}, true, "reset stat success!"},
+        {{"--reply", "empty"}, true, "reset stat success!"},
+        {{"--reply", "close"}, true, "stat: http://127"},
+        {{"--reply", "cut"}, true, "stat: http://127"},
+        {{"--reply", "not-http"}, true, "stat: http://127"},
+        {{"--reply", "endless"}, true, "stat: http://127"},
+        {{"--reply", "bomb"}, true, "stat: http://127"},
+        {{"--reply", "redirect"}, true, "reset stat success!"},
+        {{"--status", "500", "--return-code", "1"}, false, "refuses the counters with code 1"},
+        {{"--encoding", "gzip", "--return-code", "1"}, false, "refuses the counters with code 1"},
+        {{"--encoding", "deflate", "--return-code", "1"},
+         false,
+         "refuses the counters with code 1"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(testing::PrintToString(row.server));
@@ -147,9 +148,11 @@ TEST_F(Upload, CountersAreErasedUnlessTheServerRefusesThem) {
         EXPECT_EQ(logged("completeBlock start"), 1);
         EXPECT_EQ(logged("reset stat success!"), row.erased ? 1 : 0);
         EXPECT_EQ(logged("stat failed!"), row.erased ? 0 : 1);
+        EXPECT_EQ(logged(row.reason), 1);
     }
     host({"url=http://127.0.0.1:1", "start", "wait=completeBlock end"});
     EXPECT_EQ(logged("reset stat success!"), 1);
+    EXPECT_EQ(logged("stat: http://127.0.0.1:1: Couldn't connect"), 1);
 }
 
 TEST_F(Upload, HappensOnceInAProcess) {

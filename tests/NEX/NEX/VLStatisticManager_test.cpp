@@ -217,17 +217,6 @@ TEST_F(Statistics, HugeFilesLinksAndLeftoversAreCleared) {
     EXPECT_EQ(onDisk(), json({{"4", 2}}));
 }
 
-TEST_F(Statistics, AnUnwritablePlaceCostsOnlyTheFile) {
-    const vorla::test::LogRecorder log;
-    ASSERT_TRUE(vorla::writeFileAtomically(folder_ / "data", "in the way"));
-    VLStatisticManager manager(counters_, old_);
-    manager.statisticEvent(3);
-    manager.statisticEvent(3);
-    EXPECT_EQ(manager.statInfo()["3"], 2);
-    manager.resetStatistic();
-    EXPECT_FALSE(manager.statInfo().contains("3"));
-}
-
 TEST_F(Statistics, AReadOnlyFolderKeepsItsFile) {
     ASSERT_TRUE(vorla::createDirectories(counters_, 0755));
     ASSERT_TRUE(writeToPlistFile({{"1", 4}}, path_, 0644));
@@ -248,68 +237,17 @@ TEST_F(Statistics, AReadOnlyFolderKeepsItsFile) {
     fs::permissions(counters_, fs::perms::owner_all);
 }
 
-TEST_F(Statistics, AFullDiskKeepsTheLastWholeFile) {
-    VLStatisticManager manager(counters_, old_);
-    manager.statisticEvent(1);
-    ChildProcess host([&] {
-        ::signal(SIGXFSZ, SIG_IGN);
-        const rlimit none{0, 0};
-        ::setrlimit(RLIMIT_FSIZE, &none);
-        for (int i = 0; i < 100; ++i) manager.statisticEvent(1);
-        return manager.statInfo()["1"] == 101 ? 0 : 1;
-    });
-    EXPECT_EQ(host.wait(), 0);
-    EXPECT_EQ(onDisk(), json({{"1", 1}}));
-    EXPECT_EQ(std::distance(fs::directory_iterator(counters_), fs::directory_iterator()), 1);
-}
-
-TEST_F(Statistics, AnOldFileMovesOnceAndReplacesTheNewOne) {
+TEST_F(Statistics, AnOldFileMovesAndAResetStartsFromNothing) {
     ASSERT_TRUE(vorla::createDirectories(folder_ / "Documents"));
     ASSERT_TRUE(writeToPlistFile({{"1", 10}}, old_));
-    {
-        VLStatisticManager manager(counters_, old_);
-        manager.statisticEvent(1);
-        EXPECT_EQ(onDisk(), json({{"1", 11}}));
-        EXPECT_FALSE(fs::exists(old_));
-        ASSERT_TRUE(writeToPlistFile({{"1", 1}}, old_));
-        manager.statisticEvent(1);
-        EXPECT_EQ(manager.statFilePath(), path_);
-        EXPECT_TRUE(fs::exists(old_));
-    }
-    VLStatisticManager next(counters_, old_);
-    next.statisticEvent(1);
-    EXPECT_EQ(onDisk(), json({{"1", 2}}));
-}
-
-TEST_F(Statistics, ResetStartsFromNothing) {
     VLStatisticManager manager(counters_, old_);
     manager.statisticEvent(1);
+    EXPECT_EQ(onDisk(), json({{"1", 11}}));
+    EXPECT_FALSE(fs::exists(old_));
     manager.resetStatistic();
     EXPECT_FALSE(fs::exists(path_));
-    EXPECT_FALSE(manager.statInfo().contains("1"));
     manager.statisticEvent(2);
     EXPECT_EQ(onDisk(), json({{"2", 1}}));
-    ASSERT_TRUE(writeToPlistFile({{"9", 9}}, path_));
-    manager.updateStatInfo();
-    EXPECT_EQ(manager.statInfo()["9"], 9);
-    EXPECT_FALSE(manager.statInfo().contains("2"));
-}
-
-TEST_F(Statistics, FactsAreAddedForAnUploadAndNeverStored) {
-    VLStatisticManager manager(counters_, old_);
-    manager.statisticEvent(1001);
-    const json info = manager.statInfo();
-    VLCaptureSetting& setting = VLCaptureSetting::sharedInstance();
-    const json expected = {
-        {"1001", 1},
-        {"1018", setting.isRunAlone()},
-        {"1019", setting.isPlaySound()},
-        {"1020", setting.isHighResolution()},
-        {"1021", VLNEXUtilities::UUID(VLStatisticManager::statFolderPath()).value()},
-        {"1022", VLNEXUtilities::formattedVersion()},
-        {"1023", setting.channel()}};
-    EXPECT_EQ(info, expected);
-    EXPECT_EQ(onDisk(), json({{"1001", 1}}));
 }
 
 TEST_F(Statistics, EntriesTellNumbersFromTexts) {

@@ -1,102 +1,48 @@
-#include "tests/NEX/NEX+PAK/SerializationPAK/PakTestSupport.h"
-
 #include "NEX/NEX+PAK/SerializationPAK/PakEnumHelper.h"
+#include "tests/NEX/NEX+PAK/SerializationPAK/Buoy.h"
 
 namespace vorla::test {
 namespace {
 
-std::shared_ptr<WeatherReading> reading(int32_t time, double degrees) {
-    auto made = WeatherReading::object();
-    made->setPak_iTime(time);
-    made->setPak_dDegrees(degrees);
-    return made;
-}
-
-std::shared_ptr<WeatherStation> station() {
-    auto made = WeatherStation::object();
-    made->setPak_iNumber(300);
-    made->setPak_sName("Sonnblick");
-    made->setPak_stLatest(reading(9, -1.5));
-    made->setPak_vReadings_All({reading(7, 0), reading(8, 2)});
-    made->setPak_vSeal(bytesOf("CA FE"));
-    made->setPak_mLimits(PakDictionary{{"low", -40}, {"high", 30.5}});
-    return made;
-}
-
-TEST(PakObjectV2, GoesOutInTheOrderOfItsTags) {
-    auto made = WeatherStation::object();
-    made->setPak_sName("x");
-    made->setPak_stLatest(reading(0, 1));
-    EXPECT_EQ(hexOf(made->toData()), "0C 56 01 78 7A 0C 15 3F F0 00 00 00 00 00 00 0B F9 15 0C");
-}
-
-TEST(PakObjectV2, ComesBackAsItWas) {
-    const PakData bytes = station()->toData();
-    const auto back = pakObjectFromData<WeatherStation>(bytes);
-    EXPECT_EQ(back->pak_iNumber(), 300U);
-    EXPECT_EQ(back->pak_sName(), "Sonnblick");
-    EXPECT_EQ(back->pak_stLatest()->pak_dDegrees(), -1.5);
-    EXPECT_EQ(back->pak_vSeal(), bytesOf("CA FE"));
-    EXPECT_EQ(back->pak_mLimits(), (PakDictionary{{"low", -40}, {"high", 30.5}}));
-    ASSERT_EQ(back->pak_vReadings_All().size(), 2U);
-    const auto second =
-        std::static_pointer_cast<WeatherReading>(back->pak_vReadings_All()[1].object());
-    EXPECT_EQ(second->pak_iTime(), 8);
-    EXPECT_EQ(back->toData(), bytes);
-    EXPECT_EQ(pakObjectFromData<WeatherStation>({}), nullptr);
-}
-
-TEST(PakObjectV2, AbsentFieldsKeepTheirValues) {
-    auto kept = station();
-    kept->fromData(bytesOf("00 05"));
-    EXPECT_EQ(kept->pak_iNumber(), 5U);
-    EXPECT_EQ(kept->pak_sName(), "Sonnblick");
-    EXPECT_EQ(kept->pak_vReadings_All().size(), 2U);
-    EXPECT_EQ(outcomeOf([&] { kept->fromData(bytesOf("56 01 78")); }), "required == NO");
-    // An unknown field in the middle hides those behind it.
-    kept->fromData(bytesOf("00 06 10 01 56 01 78"));
-    EXPECT_EQ(kept->pak_sName(), "Sonnblick");
-}
-
-class Declared : public PakObjectV2 {
-    PAK_OBJECT_V2(Declared, "WX.Declared")
+/// A field of each kind that a buoy has not.
+class Harbour : public PakObjectV2 {
+    PAK_OBJECT_V2(Harbour, "SEA.Harbour")
     PAK_FIELD(bool, pakv2_p_1_o_b, b)
-    PAK_FIELD(int8_t, pakv2_p_2_o_c, c)
     PAK_FIELD(uint8_t, pakv2_p_3_o_C, C)
-    PAK_FIELD(int16_t, pakv2_p_4_o_s, s)
     PAK_FIELD(uint16_t, pakv2_p_5_o_S, S)
-    PAK_FIELD(int32_t, pakv2_p_6_o_i, i)
-    PAK_FIELD(uint32_t, pakv2_p_7_o_I, I)
-    PAK_FIELD(int64_t, pakv2_p_8_o_q, q)
-    PAK_FIELD(float, pakv2_p_9_o_f, f)
-    PAK_FIELD(double, pakv2_p_10_o_d, d)
+    PAK_FIELD(uint32_t, pakv2_p_6_o_I, I)
+    PAK_FIELD(std::shared_ptr<DeclaredBuoy>, pakv2_p_7_o_stBuoy, stBuoy)
+    PAK_FIELD(std::optional<std::string>, pakv2_p_8_o_sName_Old, sName_Old)
     PAK_FIELD(PakNumber, pakv2_p_11_o_number, number)
+    PAK_FIELD(std::optional<PakDictionary>, pakv2_p_30_o_mLimits__b0x9i_M09ONSStringONSNumber,
+              mLimits)
     PAK_FIELD(int32_t, notEncoded, notEncoded, 77)
 };
 
-TEST(PakObjectV2, EachNumberTypeHasItsLetterAndItsWidth) {
-    auto made = Declared::object();
-    const auto types = Declared::pakClass().pakPropertiesWithEncodedTypes();
-    std::string letters;
-    for (const auto& [tag, info] : made->pakPropsDescription()) letters += info.type[0];
-    EXPECT_EQ(letters, "BcCsSiIqfd@");
-    EXPECT_EQ(types.at("pakv2_p_11_o_number"), "@\"NSNumber\"");
-    EXPECT_EQ(types.at("notEncoded"), "i");
-    // Present zeros are written; the absent number object is not.
-    EXPECT_EQ(hexOf(made->toData()),
-              "1C 2C 3C 4C 5C 6C 7C 8C 94 00 00 00 00 A5 00 00 00 00 00 00 00 00");
-    // 300 in every field is cut to each width.
-    PakOutputStream out;
-    for (int tag = 1; tag <= 11; ++tag) out.writeInt(300, tag);
-    made->fromData(*out.data());
-    EXPECT_TRUE(made->pak_b());
-    EXPECT_EQ(made->pak_c(), 44);
-    EXPECT_EQ(made->pak_C(), 44);
-    EXPECT_EQ(made->pak_s(), 300);
-    EXPECT_EQ(made->pak_q(), 300);
-    EXPECT_EQ(made->pak_f(), 300);
-    EXPECT_EQ(made->pak_number().number, PakValue(300));
-    EXPECT_EQ(made->pak_notEncoded(), 77);
+TEST(PakObjectV2, PresentFieldsGoOutInTheOrderOfTheirTags) {
+    Harbour harbour;
+    EXPECT_EQ(hexOf(harbour.toData()), "1C 3C 5C 6C");
+    harbour.setPak_sName_Old("x");
+    harbour.setPak_number({2.0F});
+    harbour.setPak_mLimits(PakDictionary{{"a", 1}});
+    EXPECT_EQ(hexOf(harbour.toData()),
+              "1C 3C 5C 6C 86 01 78 B4 40 00 00 00 F8 1E 00 01 06 01 61 10 01");
+    EXPECT_EQ(pakObjectFromData<Harbour>(harbour.toData())->toData(), harbour.toData());
+    EXPECT_EQ(pakObjectFromData<Harbour>({}), nullptr);
+}
+
+TEST(PakObjectV2, NumbersAreCutToTheirWidthAndAbsentFieldsKept) {
+    Harbour harbour;
+    harbour.setPak_sName_Old("kept");
+    harbour.fromData(bytesOf("11 01 2C 31 01 2C 51 01 2C 63 00 00 00 01 00 00 00 05"));
+    EXPECT_TRUE(harbour.pak_b());
+    EXPECT_EQ(harbour.pak_C(), 44);
+    EXPECT_EQ(harbour.pak_S(), 300);
+    EXPECT_EQ(harbour.pak_I(), 5U);
+    // An unknown field in the middle hides those behind it.
+    harbour.fromData(bytesOf("1C 20 01 86 01 78"));
+    EXPECT_EQ(harbour.pak_sName_Old(), "kept");
+    EXPECT_EQ(harbour.pak_notEncoded(), 77);
 }
 
 class Base : public PakObjectV2 {
@@ -104,22 +50,14 @@ class Base : public PakObjectV2 {
     PAK_FIELD(int32_t, pakv2_p_0_r_iBase, iBase, 1)
 };
 class Derived : public Base {
-    PAK_OBJECT(Derived, Base, "WX.Derived")
-    PAK_FIELD(int32_t, pakv2_p_1_r_iDerived, iDerived, 2)
-};
-class Bare : public Base {
-    PAK_OBJECT(Bare, Base, nullptr)
+    PAK_OBJECT(Derived, Base, "SEA.Derived")
+    PAK_FIELD(int32_t, pakv2_p_1_r_iFirst, iFirst, 1)
+    PAK_FIELD(int32_t, pakv2_p_1_r_iSecond, iSecond, 2)
 };
 class MissingPart : public PakObjectV2 {
     PAK_OBJECT_V2(MissingPart, nullptr)
     PAK_FIELD(std::shared_ptr<Base>, pakv2_p_0_r_part, part)
 };
-class SameTag : public PakObjectV2 {
-    PAK_OBJECT_V2(SameTag, nullptr)
-    PAK_FIELD(int32_t, pakv2_p_0_r_first, first, 1)
-    PAK_FIELD(int32_t, pakv2_p_0_r_second, second, 2)
-};
-
 class Linked : public PakObjectV2 {
     PAK_OBJECT_V2(Linked, nullptr)
     PAK_FIELD(std::shared_ptr<PakObject>, pakv2_p_0_o_next, next)
@@ -127,14 +65,16 @@ class Linked : public PakObjectV2 {
 
 TEST(PakObjectV2, DeclarationsAreTakenAtTheirWord) {
     EXPECT_EQ(hexOf(Derived().toData()), "10 02");
-    EXPECT_EQ(hexOf(Bare().toData()), "");
-    EXPECT_EQ(hexOf(SameTag().toData()), "00 02");
     EXPECT_EQ(outcomeOf([] { (void)MissingPart().toData(); }), "0");
-    EXPECT_EQ(Derived().pakType(), "WX.Derived");
-    EXPECT_EQ(Base().pakType(), std::nullopt);
+    EXPECT_EQ(Derived().pakType(), "SEA.Derived");
     EXPECT_TRUE(Derived::pakClass().isSubclassOf(Base::pakClass()));
-    EXPECT_EQ(PakClass::named("WeatherStation"), &WeatherStation::pakClass());
     EXPECT_EQ(outcomeOf([] { (void)PakObject().toData(); }), "raised: 需要由子类重写此方法！");
+    // The reference instance stands for "not set".
+    Linked linked;
+    linked.setPak_next(HandWritten::object());
+    EXPECT_EQ(hexOf(linked.toData()), "0A 00 FF 0B");
+    linked.setPak_next(linked.pakRefObject());
+    EXPECT_EQ(hexOf(linked.toData()), "");
 }
 
 static_assert(pakTagFits("pakv2_p_255_o_n") && !pakTagFits("pakv2_p_256_o_n"));
@@ -153,8 +93,8 @@ class Reading : public PakObjectV2 {
     PAK_OBJECT_V2(Reading, nullptr)
     PAK_FIELD(std::string, pakv2_p_0_r_sPlace, sPlace)
 };
-class Log : public PakObjectV2 {
-    PAK_OBJECT_V2(Log, nullptr)
+class Records : public PakObjectV2 {
+    PAK_OBJECT_V2(Records, nullptr)
     PAK_FIELD(PakArray, pakv2_p_0_r_list__b0x9i_VOReading, list)
 };
 }  // namespace inland
@@ -163,8 +103,8 @@ class Reading : public PakObjectV2 {
     PAK_OBJECT_V2(Reading, nullptr)
     PAK_FIELD(int64_t, pakv2_p_0_r_lDepth, lDepth)
 };
-class Log : public PakObjectV2 {
-    PAK_OBJECT_V2(Log, nullptr)
+class Records : public PakObjectV2 {
+    PAK_OBJECT_V2(Records, nullptr)
     PAK_FIELD(PakArray, pakv2_p_0_r_list__b0x9i_VOReading, list)
 };
 }  // namespace offshore
@@ -175,8 +115,8 @@ TEST(PakObjectV2, ClassesOfOneNameAreToldApart) {
     EXPECT_EQ(hexOf(offshore::Reading().toData()), "0C");
     const PakData text = bytesOf("09 00 01 0A 06 01 61 0B"),
                   number = bytesOf("09 00 01 0A 00 07 0B");
-    EXPECT_EQ(pakObjectFromData<inland::Log>(text)->toData(), text);
-    EXPECT_EQ(pakObjectFromData<offshore::Log>(number)->toData(), number);
+    EXPECT_EQ(pakObjectFromData<inland::Records>(text)->toData(), text);
+    EXPECT_EQ(pakObjectFromData<offshore::Records>(number)->toData(), number);
     EXPECT_EQ(outcomeOf([] { PakPair::pairFromExtStr("VOReading"); }),
               "a class name in a storage name is not unique");
 }
@@ -184,21 +124,13 @@ TEST(PakObjectV2, ClassesOfOneNameAreToldApart) {
 TEST(PakObjectV2, AFailureNamesClassAndField) {
     const PakFailuresRaise peer;
     try {
-        WeatherStation().fromData(bytesOf("0C 7A 16 00 0B"));
+        Harbour().fromData(bytesOf("7A 36 00 0B"));
         FAIL();
     } catch (const PakInconsistencyException& failure) {
         EXPECT_STREQ(failure.what(),
-                     "required == NO at WeatherStation.pakv2_p_7_o_stLatest, "
-                     "WeatherReading.pakv2_p_0_r_iTime");
+                     "required == NO at Harbour.pakv2_p_7_o_stBuoy, "
+                     "DeclaredBuoy.pakv2_p_2_r_iNumber");
     }
-}
-
-TEST(PakObjectV2, TheReferenceInstanceStandsForNotSet) {
-    Linked linked;
-    linked.setPak_next(HandWritten::object());
-    EXPECT_EQ(hexOf(linked.toData()), "0A 00 FF 0B");
-    linked.setPak_next(linked.pakRefObject());
-    EXPECT_EQ(hexOf(linked.toData()), "");
 }
 
 TEST(PakPair, ReadsExtensionStrings) {
@@ -207,9 +139,9 @@ TEST(PakPair, ReadsExtensionStrings) {
     EXPECT_EQ(nested->value.asPair()->key.asClass(), &PakClass::stringClass());
     EXPECT_EQ(nested->value.asPair()->value.asClass(), &PakClass::dataClass());
     EXPECT_EQ(nested->description(), "<NSString, PakPair>");
-    const auto list = PakPair::pairFromExtStr("VVOWeatherReading");
+    const auto list = PakPair::pairFromExtStr("VVODeclaredBuoy");
     EXPECT_FALSE(list->key);
-    EXPECT_EQ(list->value.asPair()->value.asClass(), &WeatherReading::pakClass());
+    EXPECT_EQ(list->value.asPair()->value.asClass(), &DeclaredBuoy::pakClass());
     EXPECT_EQ(PakPair::pairFromExtStr("VONoSuchClass")->description(), "<(null), (null)>");
 
     const std::string longest = "VO" + std::string(125, 'x');
@@ -233,40 +165,15 @@ TEST(PakPair, ReadsExtensionStrings) {
         EXPECT_EQ(outcomeOf([&] { PakPair::pairFromExtStr(row.text); }), row.outcome) << row.text;
 }
 
-TEST(PakPropertyInfo, KnowsWhatTheStorageNameSays) {
-    const auto& properties = WeatherStation::pakClass().pakPropsDescription();
-    const PakPropertyInfo& list = properties.at(21);
-    EXPECT_EQ(list.description(),
-              "{\n    tag      : 21\n    required : 0\n    name     : pak_vReadings_All\n"
-              "    type     : @\"NSArray\"\n    ext      : <(null), WeatherReading>\n}\n");
-    EXPECT_TRUE(properties.at(0).flag);
-    EXPECT_EQ(properties.at(0).compareWithTag(list), -1);
-    EXPECT_EQ(list.compareWithTag(list), 0);
-    EXPECT_EQ(list.compareWithTag(properties.at(0)), 1);
-    EXPECT_EQ(&properties, &WeatherStation().pakPropsDescription());
-}
-
-TEST(PakObject, DescribesItsFields) {
-    auto made = reading(3, 0.5);
-    EXPECT_EQ(made->description(),
-              "\r{\r    pakv2_p_0_r_iTime: 3\r    pakv2_p_1_o_dDegrees: 0.5\r}\r");
-    auto outer = WeatherStation::object();
-    outer->setPak_stLatest(made);
-    EXPECT_THAT(outer->description(),
-                testing::HasSubstr("    pakv2_p_7_o_stLatest: \r    {\r        pakv2_p_0_r_iTime: "
-                                   "3\r        pakv2_p_1_o_dDegrees: 0.5\r    }\r\r"));
-}
-
-TEST(PakObject, IsArchivedAsItsBytes) {
-    struct Coder : PakCoder {
-        PakData kept;
-        void encodeDataObject(const PakData& data) override { kept = data; }
-        PakData decodeDataObject() override { return kept; }
-    } coder;
-    reading(3, 0.5)->encodeWithCoder(coder);
-    WeatherReading back;
-    back.initWithCoder(coder);
-    EXPECT_EQ(back.toData(), reading(3, 0.5)->toData());
+TEST(PakObject, DescribesItselfAndItsFields) {
+    const PakPropertyInfo& limits = Harbour::pakClass().pakPropsDescription().at(30);
+    EXPECT_EQ(limits.description(),
+              "{\n    tag      : 30\n    required : 0\n    name     : pak_mLimits\n"
+              "    type     : @\"NSDictionary\"\n    ext      : <NSString, NSNumber>\n}\n");
+    MissingPart outer;
+    outer.setPak_part(Base::object());
+    EXPECT_EQ(outer.description(),
+              "\r{\r    pakv2_p_0_r_part: \r    {\r        pakv2_p_0_r_iBase: 1\r    }\r\r}\r");
 }
 
 struct WXWindHelper : PakEnumHelper<WXWindHelper> {

@@ -80,26 +80,6 @@ inline std::string outcomeOf(const std::function<void()>& work) {
     return "done";
 }
 
-// Structures of a weather service: a station, its readings, its log.
-
-class WeatherReading : public PakObjectV2 {
-    PAK_OBJECT_V2(WeatherReading, "WX.Reading")
-    PAK_FIELD(int32_t, pakv2_p_0_r_iTime, iTime)
-    PAK_FIELD(double, pakv2_p_1_o_dDegrees, dDegrees)
-};
-
-class WeatherStation : public PakObjectV2 {
-    PAK_OBJECT_V2(WeatherStation, "WX.Station")
-    PAK_FIELD(std::vector<PakValue>, pakv2_p_21_o_vReadings_All__b0x9i_VOWeatherReading,
-              vReadings_All)
-    PAK_FIELD(uint32_t, pakv2_p_0_r_iNumber, iNumber)
-    PAK_FIELD(std::optional<std::string>, pakv2_p_5_o_sName, sName)
-    PAK_FIELD(std::shared_ptr<WeatherReading>, pakv2_p_7_o_stLatest, stLatest)
-    PAK_FIELD(std::optional<PakData>, pakv2_p_16_o_vSeal, vSeal)
-    PAK_FIELD(std::optional<PakDictionary>, pakv2_p_30_o_mLimits__b0x9i_M09ONSStringONSNumber,
-              mLimits)
-};
-
 /// Reads whole numbers until there are none, and keeps nothing else.
 class HandWritten : public PakObject {
     PAK_OBJECT(HandWritten, PakObject, nullptr)

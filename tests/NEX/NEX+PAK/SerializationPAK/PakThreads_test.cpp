@@ -2,9 +2,8 @@
 #include <set>
 #include <thread>
 
-#include "NEX/NEX+PAK/SerializationPAK/ZenAttributeValues.h"
 #include "NEX/NEX+PAK/SerializationPAK/ZenPacket.h"
-#include "tests/NEX/NEX+PAK/SerializationPAK/PakTestSupport.h"
+#include "tests/NEX/NEX+PAK/SerializationPAK/Buoy.h"
 
 namespace vorla::test {
 namespace {
@@ -47,19 +46,13 @@ TEST(PakThreads, RequestIdsStartAt1000AndAreUnique) {
 TEST(PakThreads, PackTheSameClassesFromAColdStart) {
     std::vector<PakData> bytes(kThreads);
     onAllThreads([&](int i) {
-        auto station = WeatherStation::object();
-        auto reading = WeatherReading::object();
-        station->setPak_iNumber(12);
-        station->setPak_sName("Säntis");
-        station->setPak_stLatest(reading);
-        station->setPak_vReadings_All({reading, reading});
         auto packet = ZenPacket::packet();
         packet->setIRequestId(1);
-        packet->putObjectAttr("station", station);
+        packet->putObjectAttr("buoy",
+                              pakObjectFromData<DeclaredBuoy>(encoded(BuoyYard(3).make(2))));
         bytes[static_cast<size_t>(i)] = packet->toData();
         auto back = pakObjectFromData<ZenPacket>(bytes[static_cast<size_t>(i)]);
-        const auto object = back->getObjectAttr("station", WeatherStation::pakClass());
-        EXPECT_EQ(std::static_pointer_cast<WeatherStation>(object)->toData(), station->toData());
+        EXPECT_NE(back->getObjectAttr("buoy", DeclaredBuoy::pakClass()), nullptr);
     });
     for (const PakData& each : bytes) EXPECT_EQ(each, bytes[0]);
 }

@@ -1,7 +1,8 @@
 #include "NEX/NEX+PAK/SerializationPAK/ZenPacket.h"
 
 #include "NEX/NEX+PAK/SerializationPAK/ZenAttributeValues.h"
-#include "tests/NEX/NEX+PAK/SerializationPAK/PakTestSupport.h"
+#include "NEX/NEX+PAK/SerializationPAK/compact/ZenPacket.h"
+#include "tests/NEX/NEX+PAK/SerializationPAK/Buoy.h"
 
 namespace vorla::test {
 namespace {
@@ -35,24 +36,6 @@ TEST(ZenPacket, HasItsBytes) {
         hexOf(framed(bytesOf("08 00 01 06 00 18 00 01 06 05 69 6E 74 33 32 1D 00 00 02 00 FD"))));
 }
 
-TEST(ZenPacket, ComesBackAsItWas) {
-    auto packet = smallPacket();
-    packet->setContext({{"k", "v"}});
-    packet->setStatus({{"", "x"}});
-    packet->setIVersion(int64_t{1} << 40);
-    packet->putDataAttr("crypt", bytesOf("01 02"));
-    packet->putObjectAttr("text", "abc");
-    const auto back = pakObjectFromData<ZenPacket>(packet->toData());
-    EXPECT_EQ(back->toData(), packet->toData());
-    EXPECT_EQ(back->iVersion().int64Value(), int64_t{1} << 40);
-    EXPECT_EQ(back->context(), (PakDictionary{{"k", "v"}}));
-    EXPECT_EQ(back->objectKeyWithName("crypt"), "list<char>");
-    EXPECT_EQ(Values::dataWithName("crypt", back->attributes()), bytesOf("01 02"));
-    EXPECT_EQ(Values::stringWithName("text", back->attributes()), "abc");
-    EXPECT_EQ(back->getReturnCode(), 0);
-    EXPECT_EQ(back->objectKeyWithName("none"), std::nullopt);
-}
-
 TEST(ZenPacket, RefusesAFrameThatContradictsItsBytes) {
     const std::string refusal =
         "raised: -[ZenPacket __unpack:], 113: assert(stream.streamSize == size) fail!";
@@ -81,31 +64,25 @@ TEST(ZenPacket, RefusesAFrameThatContradictsItsBytes) {
 
 TEST(ZenAttribute, EachKindHasItsTypeNameAndBytes) {
     ZenAttribute a;
-    const auto station = WeatherReading::object();
-    Values::setBool(true, a, "n");
     const auto check = [&](const char* type, const char* bytes) {
         EXPECT_EQ(a.typeOfName("n"), type);
         EXPECT_EQ(hexOf(a.attrValueWithName("n", type).value()), bytes);
         EXPECT_EQ(a.pak_zenAttributes().size(), 1U);
     };
+    Values::setBool(true, a, "n");
     check("bool", "00 01");
     EXPECT_TRUE(Values::boolValueWithName("n", a));
     Values::setChar(-1, a, "n");
     check("char", "00 FF");
-    EXPECT_EQ(Values::charValueWithName("n", a), -1);
     Values::setShort(300, a, "n");
     check("short", "01 01 2C");
-    EXPECT_EQ(Values::shortValueWithName("n", a), 300);
     Values::setInt(0, a, "n");
     check("int32", "0C");
-    EXPECT_EQ(Values::intValueWithName("n", a), 0);
     Values::setLonglong(INT64_MIN, a, "n");
     check("int64", "03 80 00 00 00 00 00 00 00");
-    EXPECT_EQ(Values::longlongValueWithName("n", a), INT64_MIN);
     EXPECT_EQ(Values::numberWithName("n", a), PakValue(INT64_MIN));
     Values::setFloat(1, a, "n");
     check("float", "04 3F 80 00 00");
-    EXPECT_EQ(Values::floatValueWithName("n", a), 1);
     Values::setDouble(1, a, "n");
     check("double", "05 3F F0 00 00 00 00 00 00");
     EXPECT_EQ(Values::doubleValueWithName("n", a), 1);
@@ -113,17 +90,23 @@ TEST(ZenAttribute, EachKindHasItsTypeNameAndBytes) {
     check("I", "00 07");
     Values::setInAttributes("é", a, "n");
     check("string", "06 02 C3 A9");
+    EXPECT_EQ(Values::stringWithName("n", a), "é");
     Values::setInAttributes(PakData{9}, a, "n");
     check("list<char>", "0D 00 00 01 09");
     Values::setInAttributes(PakArray{1}, a, "n", "list<int32>");
     check("list<int32>", "09 00 01 00 01");
     EXPECT_EQ(Values::arrayWithName("n", a, PakClass::numberClass()), (PakArray{1}));
-    Values::setInAttributes(station, a, "n");
-    check("WX.Reading", "0A 0C 15 00 00 00 00 00 00 00 00 0B");
-    EXPECT_NE(Values::objectWithName(WeatherReading::pakClass(), "n", a), nullptr);
-    Values::setInAttributes(station, a, "n", "other");
-    EXPECT_EQ(outcomeOf([&] { Values::objectWithName(WeatherReading::pakClass(), "n", a); }),
+    const auto buoy = pakObjectFromData<DeclaredBuoy>(bytesOf("20 07"));
+    Values::setInAttributes(buoy, a, "n");
+    EXPECT_EQ(a.typeOfName("n"), "SEA.Buoy");
+    EXPECT_NE(Values::objectWithName(DeclaredBuoy::pakClass(), "n", a), nullptr);
+    Values::setInAttributes(buoy, a, "n", "other");
+    EXPECT_EQ(outcomeOf([&] { Values::objectWithName(DeclaredBuoy::pakClass(), "n", a); }),
               "raised: type mismatch!");
+    // What is missing reads as nothing.
+    EXPECT_EQ(Values::intValueWithName("none", a), 0);
+    EXPECT_EQ(Values::stringWithName("none", a), std::nullopt);
+    EXPECT_EQ(Values::objectWithName(DeclaredBuoy::pakClass(), "none", a), nullptr);
 }
 
 TEST(ZenAttribute, RefusesWhatContradictsIt) {
@@ -145,39 +128,55 @@ TEST(ZenAttribute, RefusesWhatContradictsIt) {
     EXPECT_EQ(a.typeOfName("none"), std::nullopt);
 }
 
-TEST(ZenAttribute, WhatIsMissingReadsAsNothing) {
-    const ZenAttribute a;
-    EXPECT_FALSE(Values::boolValueWithName("n", a));
-    EXPECT_EQ(Values::intValueWithName("n", a), 0);
-    EXPECT_EQ(Values::doubleValueWithName("n", a), 0);
-    EXPECT_EQ(Values::dataWithName("n", a), std::nullopt);
-    EXPECT_EQ(Values::stringWithName("n", a), std::nullopt);
-    EXPECT_EQ(Values::arrayWithName("n", a, PakClass::numberClass()), std::nullopt);
-    EXPECT_TRUE(Values::numberWithName("n", a).isNothing());
-    EXPECT_EQ(Values::objectWithName(WeatherReading::pakClass(), "n", a), nullptr);
-}
-
-TEST(ZenPacket, GivesObjectsWhateverTheirType) {
-    auto packet = smallPacket();
-    auto sent = WeatherReading::object();
-    sent->setPak_iTime(12);
-    packet->putObjectAttr("req", sent);
-    EXPECT_EQ(packet->objectKeyWithName("req"), "WX.Reading");
-    packet->putObjectAttr("req", "any", sent);
-    EXPECT_EQ(packet->objectKeyWithName("req"), "any");
-    const auto got = packet->getObjectAttr("req", WeatherReading::pakClass());
-    EXPECT_EQ(std::static_pointer_cast<WeatherReading>(got)->pak_iTime(), 12);
-    EXPECT_EQ(packet->getObjectAttr("none", WeatherReading::pakClass()), nullptr);
-    EXPECT_EQ(outcomeOf([&] { (void)packet->getObjectAttr("req", PakClass::stringClass()); }),
-              "[theClass isSubclassOfClass:[PakObject class]]");
-}
-
 TEST(ZenPacket, DescribesItself) {
     EXPECT_EQ(smallPacket()->description(),
               "\n--------------- ZenPacket ---------------\nversion     : 2\npacket-type : 0\n"
               "message-type: 0\nrequest-id  : 5\nservant-name: s\nfunc-name   : f\n"
               "buffer      : <>\ntimeout     : 0\ncontext     : {}\nstatus      : {}\n"
               "----------------- Attributes --------------\n{}\n");
+}
+
+TEST(CompactPacket, OnlyTheLengthIsTakenOnTrust) {
+    const struct {
+        const char *bytes, *outcome;
+    } rows[] = {
+        {"00 00 03", "raised: packet length too short"},
+        {"00 00 00 04", "raised: require field not exist, tag: 1"},
+        {"FF FF FF FF 10 02 4C 56 00 66 00 7D 00 00 02 08 0C", "done"},
+        {"00 00 00 00 10 02 4C 56 00 66 00 7D 00 0C", "raised: require field not exist, tag: 0"},
+        {"00 00 00 00 10 02 43 00 00 00 00 00 00 00 01 56 00 66 00 7D 00 00 02 08 0C",
+         "raised: read 'Int32' type mismatch, tag: 4, get type: 3."},
+    };
+    for (const auto& row : rows) {
+        const PakData bytes = bytesOf(row.bytes);
+        EXPECT_EQ(outcomeOf([&] { analyticsnex::ZenPacket().decode(bytes.data(), bytes.size()); }),
+                  row.outcome)
+            << row.bytes;
+    }
+}
+
+struct Answer {
+    static constexpr const char* structName = "SEA.Answer";
+    char result = 0;
+    void writeTo(analyticspak::PakOutputStream& stream) const { stream.write(result, 0); }
+    void readFrom(analyticspak::PakInputStream& stream) { stream.read(result, 0); }
+};
+
+TEST(CompactPacket, AttributesAreFoundByNameAndStructure) {
+    analyticsnex::ZenPacket packet;
+    EXPECT_EQ(outcomeOf([&] { (void)packet.encode(); }), "raised: ServantName must not be empty");
+    packet.sServantName = "s";
+    EXPECT_EQ(outcomeOf([&] { (void)packet.encode(); }), "raised: FuncName must not be empty");
+    packet.attributes().put("rsp", Buoy{.iNumber = 3});
+    packet.attributes().put("rsp", Answer{4});
+    Answer answer;
+    packet.attributes().get("rsp", answer);
+    EXPECT_EQ(answer.result, 4);
+    Buoy buoy;
+    EXPECT_EQ(outcomeOf([&] { packet.attributes().get("none", buoy); }),
+              "raised: ZenAttribute not found key:none,type:SEA.Buoy");
+    EXPECT_EQ(outcomeOf([&] { packet.attributes().get("rsp", buoy); }),
+              "raised: ZenAttribute type match fail,key:rsp,type:SEA.Buoy,may be:SEA.Answer");
 }
 
 }  // namespace

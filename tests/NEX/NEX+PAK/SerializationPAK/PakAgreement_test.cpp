@@ -1,4 +1,4 @@
-#include "tests/NEX/NEX+PAK/SerializationPAK/compact/Buoy.h"
+#include "tests/NEX/NEX+PAK/SerializationPAK/Buoy.h"
 
 #include "NEX/NEX+PAK/SerializationPAK/ZenAttributeValues.h"
 #include "NEX/NEX+PAK/SerializationPAK/ZenPacket.h"

@@ -77,17 +77,10 @@ class DeclaredBuoy : public PakObjectV2 {
 };
 
 inline PakData encoded(const Buoy& buoy) {
-    analyticspak::PakOutputStream stream;
-    buoy.writeTo(stream);
-    const auto bytes = stream.bytes();
-    return {bytes.begin(), bytes.end()};
+    return analyticspak::bytesOfRecord(buoy);
 }
-
 inline Buoy decoded(std::span<const uint8_t> bytes) {
-    Buoy buoy;
-    analyticspak::PakInputStream stream(bytes);
-    buoy.readFrom(stream);
-    return buoy;
+    return analyticspak::recordOfBytes<Buoy>(bytes);
 }
 
 /// Random buoys whose numbers fall on all widths. The same seed gives the same buoys.
