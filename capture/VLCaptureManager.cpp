@@ -1,5 +1,7 @@
 #include "capture/VLCaptureManager.h"
 
+#include <vorla/VLStatistics.h>
+
 #include <QCoreApplication>
 #include <algorithm>
 #include <utility>
@@ -20,8 +22,6 @@ using vorla::NotificationCenter;
 using vorla::WindowServer;
 
 namespace {
-
-constexpr int eventStart = 1017;
 
 std::function<void(int)>& panelsShownHandler() {
     static std::function<void(int)> handler;
@@ -65,7 +65,7 @@ void VLCaptureManager::setPanelsShownHandler(std::function<void(int)> handler) {
 // Start ----------------------------------------------------------------------------------------
 
 bool VLCaptureManager::startCaptureByRequest(const std::shared_ptr<VLCaptureRequest>& request) {
-    vorla::fireStatisticEvent(eventStart);
+    vorla::fireStatisticEvent(VLStatEventStart);
     if (isCapturing_) {
         VLLog("<VLCaptureManager> %s - 已有截图任务正在进行", __func__);
         return false;

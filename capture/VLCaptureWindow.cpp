@@ -1,5 +1,7 @@
 #include "capture/VLCaptureWindow.h"
 
+#include <vorla/VLStatistics.h>
+
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QScreen>
@@ -17,10 +19,6 @@ using vorla::NotificationCenter;
 namespace {
 
 constexpr int panelLevel = 27;
-constexpr int eventEsc = 1011;
-constexpr int eventRightButton = 1012;
-constexpr int eventManyClicks = 1013;
-constexpr int eventReturn = 1014;
 
 /// The toolkit's screen for a display of the window server.
 QScreen* toolkitScreen(const vorla::Display& display) {
@@ -128,14 +126,14 @@ void VLCaptureWindow::cancel() {
 bool VLCaptureWindow::performKeyEquivalent(QKeyEvent& event) {
     if (event.key() == Qt::Key_Escape) {
         VLLog("<VLCaptureWindow> %s - Esc", __func__);
-        vorla::fireStatisticEvent(eventEsc);
+        vorla::fireStatisticEvent(VLStatEventEscape);
         cancel();
         return true;
     }
     const bool isReturn = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
     if (isReturn && responseToReturn_) {
         VLLog("<VLCaptureWindow> %s - Return", __func__);
-        vorla::fireStatisticEvent(eventReturn);
+        vorla::fireStatisticEvent(VLStatEventReturn);
         NotificationCenter::defaultCenter().post(NotificationCaptureDidFinish);
         return true;
     }
@@ -145,7 +143,7 @@ bool VLCaptureWindow::performKeyEquivalent(QKeyEvent& event) {
 void VLCaptureWindow::mouseDown(const VLMouseEvent& event) {
     VLPanel::mouseDown(event);
     if (event.clickCount <= 2 || !responseToReturn_) return;
-    vorla::fireStatisticEvent(eventManyClicks);
+    vorla::fireStatisticEvent(VLStatEventDoubleClick);
     NotificationCenter::defaultCenter().post(NotificationCaptureDidFinish);
 }
 
@@ -156,7 +154,7 @@ void VLCaptureWindow::closeRequested() {
 
 void VLCaptureWindow::rightMouseDown(const VLMouseEvent& event) {
     VLLog("<VLCaptureWindow> %s", __func__);
-    vorla::fireStatisticEvent(eventRightButton);
+    vorla::fireStatisticEvent(VLStatEventRightButton);
     cancel();
     VLPanel::rightMouseDown(event);
 }

@@ -1,5 +1,7 @@
 #include "selection/VLCaptureView.h"
 
+#include <vorla/VLStatistics.h>
+
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/VLLog.h"
 #include "platform/view/VLEventTracker.h"
@@ -14,7 +16,6 @@ using vorla::NotificationCenter;
 namespace {
 
 constexpr auto trackingTimeout = std::chrono::seconds(10);
-constexpr int eventDoubleClick = 1013;
 
 }  // namespace
 
@@ -205,7 +206,7 @@ void VLCaptureView::mouseDown(const VLMouseEvent& event) {
     }
     if (!selectedRect().isZero() && event.clickCount > 1) {
         VLLog("%s 双击结束编辑", __func__);
-        vorla::fireStatisticEvent(eventDoubleClick);
+        vorla::fireStatisticEvent(VLStatEventDoubleClick);
         NotificationCenter::defaultCenter().post(NotificationCaptureDidFinish);
         return;
     }

@@ -1,5 +1,7 @@
 #include "toolbar/VLToolbarView.h"
 
+#include <vorla/VLStatistics.h>
+
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPainter>
@@ -27,17 +29,17 @@ struct Numbered {
 };
 
 /// In the order in which they are shown, which is not that of the numbers.
-constexpr std::array<Numbered, 7> tools{{{VLEditGraphTypeRoundRect, 1000},
-                                         {VLEditGraphTypeOval, 1001},
-                                         {VLEditGraphTypeArrow, 1002},
-                                         {VLEditGraphTypeCurve, 1003},
-                                         {VLEditGraphTypeMosaicPen, 1005},
-                                         {VLEditGraphTypeText, 1004},
-                                         {VLEditGraphTypeTag, 1006}}};
-constexpr std::array<Numbered, 4> functions{{{VLToolbarFunctionButtonTypeUndo, 1007},
-                                             {VLToolbarFunctionButtonTypeSave, 1008},
-                                             {VLToolbarFunctionButtonTypeCancel, 1010},
-                                             {VLToolbarFunctionButtonTypeOK, 1009}}};
+constexpr std::array<Numbered, 7> tools{{{VLEditGraphTypeRoundRect, VLStatEventToolRectangle},
+                                         {VLEditGraphTypeOval, VLStatEventToolEllipse},
+                                         {VLEditGraphTypeArrow, VLStatEventToolArrow},
+                                         {VLEditGraphTypeCurve, VLStatEventToolPen},
+                                         {VLEditGraphTypeMosaicPen, VLStatEventToolMosaic},
+                                         {VLEditGraphTypeText, VLStatEventToolText},
+                                         {VLEditGraphTypeTag, VLStatEventToolTag}}};
+constexpr std::array<Numbered, 4> functions{{{VLToolbarFunctionButtonTypeUndo, VLStatEventUndo},
+                                             {VLToolbarFunctionButtonTypeSave, VLStatEventSave},
+                                             {VLToolbarFunctionButtonTypeCancel, VLStatEventCancel},
+                                             {VLToolbarFunctionButtonTypeOK, VLStatEventFinish}}};
 
 template <size_t size>
 void reportButtonType(const std::array<Numbered, size>& buttons, int64_t type) {

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include <vorla/VLCaptureSetting.h>
+#include <vorla/VLStatistics.h>
 #include "NEX/NEX/VLNEXUtilities.h"
 #include "platform/base/Bundle.h"
 #include "platform/base/VLLog.h"
@@ -21,16 +22,6 @@ namespace {
 using nlohmann::json;
 
 constexpr const char* statFileName = "VorlaSDKStat.plist";
-
-/// Entries that are made for each upload.
-enum EnvironmentKey : uint64_t {
-    EnvironmentKeyRunAlone = 1018,
-    EnvironmentKeyPlaySound = 1019,
-    EnvironmentKeyHighResolution = 1020,
-    EnvironmentKeyMachine = 1021,
-    EnvironmentKeyVersion = 1022,
-    EnvironmentKeyChannel = 1023,
-};
 
 /// Far above what the counters of all events take.
 constexpr size_t largestFile = 256 * 1024;
@@ -94,15 +85,15 @@ json VLStatisticManager::statInfo() {
         info = statInfoDic_;
     }
     VLCaptureSetting& setting = VLCaptureSetting::sharedInstance();
-    const auto put = [&info](EnvironmentKey key, json value) {
+    const auto put = [&info](VLStatEventNumber key, json value) {
         info[std::to_string(key)] = std::move(value);
     };
-    put(EnvironmentKeyRunAlone, setting.isRunAlone());
-    put(EnvironmentKeyPlaySound, setting.isPlaySound());
-    put(EnvironmentKeyHighResolution, setting.isHighResolution());
-    if (const auto machine = VLNEXUtilities::UUID(folder_)) put(EnvironmentKeyMachine, *machine);
-    put(EnvironmentKeyVersion, VLNEXUtilities::formattedVersion());
-    put(EnvironmentKeyChannel, setting.channel());
+    put(VLStatFactRunAlone, setting.isRunAlone());
+    put(VLStatFactPlaySound, setting.isPlaySound());
+    put(VLStatFactHighResolution, setting.isHighResolution());
+    if (const auto machine = VLNEXUtilities::UUID(folder_)) put(VLStatFactMachine, *machine);
+    put(VLStatFactVersion, VLNEXUtilities::formattedVersion());
+    put(VLStatFactChannel, setting.channel());
     return info;
 }
 
