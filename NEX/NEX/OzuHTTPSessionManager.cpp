@@ -23,7 +23,7 @@ struct CurlMultiDeleter {
     void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
 };
 
-/// A request with whom to tell of its end.
+/// A request and the handler of its end.
 struct Task {
     std::unique_ptr<HTTPTransfer> transfer;
     OzuHTTPSessionManager::CompletionHandler completion;

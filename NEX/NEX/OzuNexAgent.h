@@ -14,7 +14,7 @@
 /// all, whatever its status. Each address is tried once. Which they are is left to subclasses.
 ///
 /// Calls may be made on any thread, and never block but for the one that says so. Callbacks run
-/// once, on the main loop unless `completionQueue` tells otherwise; a call that cannot even be sent
+/// once, on the main loop unless `completionQueue` says otherwise; a call that cannot even be sent
 /// calls back in line. When the agent is released meanwhile, a reply is not read and the callback
 /// gets null; no further address is tried, and the callback is then never called.
 class OzuNexAgent : public NexAgent {

@@ -8,7 +8,7 @@ class OzuNexManager {
     OzuNexManager(const OzuNexManager&) = delete;
     OzuNexManager& operator=(const OzuNexManager&) = delete;
 
-    /// Lets the statistics hear the events of the capture path, and uploads the counters in the
+    /// Connects the statistics to the events of the capture path, and uploads the counters in the
     /// background. Takes effect once in a process, whatever becomes of the upload. Without an
     /// address for it nothing is sent, and no thread started. Any thread; does not block.
     void startStat();

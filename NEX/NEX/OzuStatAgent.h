@@ -9,7 +9,7 @@
 #include "NEX/NEX/VLSTStat.h"
 
 /// Sends statistics to the servant "zbpcstat", encrypted, at the address that the information
-/// dictionary gives as "StatisticsURL". What it has to tell, it tells on the session's thread: the
+/// dictionary holds as "StatisticsURL". Its callbacks run on the session's thread: the
 /// upload goes on while the host's main loop stands still.
 class OzuStatAgent : public OzuNexAgent {
  public:

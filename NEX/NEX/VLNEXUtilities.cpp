@@ -86,8 +86,8 @@ std::optional<std::string> keptIdentity(const std::string& path) {
 
 std::optional<std::string> vorla::machineIdentity(const std::string& machineIdPath,
                                                   const std::string& keptPath) {
-    // Whoever sees the result cannot tell the system's identifier from it, nor what other programs
-    // have made of it.
+    // Whoever sees the result cannot derive the system's identifier from it, nor what other
+    // programs have made of it.
     static constexpr std::string_view salt = "VorlaFramework machine identity 1:";
     const std::string machineId = firstLine(machineIdPath);
     if (!isMachineId(machineId)) return keptIdentity(keptPath);

@@ -24,7 +24,7 @@ namespace {
 
 using nlohmann::json;
 
-/// What tells one version of a file from another: each is a new file renamed into place.
+/// What distinguishes one version of a file from another: each is a new file renamed into place.
 struct FileIdentity {
     ino_t inode = 0;
     timespec modified = {};

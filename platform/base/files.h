@@ -24,8 +24,8 @@ std::optional<std::string> readFile(const std::string& path, const ReadLimits& l
 
 /// Replaces a file so that a reader, or the next start after a crash, sees the old bytes or the new
 /// ones and never a mixture: writes a temporary neighbour, then renames it. `mode` is the new
-/// file's permission. On failure gives false with errno set; the old file is untouched and nothing
-/// is left behind.
+/// file's permission. On failure returns false with errno set; the old file is untouched and
+/// nothing is left behind.
 bool writeFileAtomically(const std::string& path, std::string_view bytes, mode_t mode = 0644);
 
 /// Removes what writers that were killed have left next to the path: temporary neighbours that are
@@ -43,11 +43,11 @@ std::string expandTilde(const std::string& path);
 std::string homeDirectory();
 
 /// Per-user directories of the XDG base directory rules (version 0.8), each with its
-/// documented fallback under the home directory; relative values are ignored as it demands.
+/// documented fallback under the home directory; relative values are ignored as they require.
 std::string configHome();
 std::string dataHome();
 
-/// The user's desktop folder as told by the user-dirs configuration, else "Desktop" in the home
+/// The user's desktop folder as named by the user-dirs configuration, else "Desktop" in the home
 /// directory.
 std::string desktopDirectory();
 

@@ -108,7 +108,7 @@ struct VLRect {
     /// The largest rectangle inside this one whose edges are whole multiples of 1/scale: all four
     /// edges are rounded inwards. An edge within a thousandth of a device pixel of a whole one
     /// counts as being there, so that rounding noise does not cost a pixel. Scale 1 aligns to
-    /// points, a screen's scale to its device pixels. Never gives a negative size.
+    /// points, a screen's scale to its device pixels. Never returns a negative size.
     [[nodiscard]] VLRect alignedInward(double scale = 1.0) const {
         if (isNull()) return *this;
         constexpr double tolerance = 1e-3;

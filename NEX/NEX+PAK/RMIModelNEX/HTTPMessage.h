@@ -13,7 +13,7 @@ namespace vorla {
 using HTTPHeaderFields = std::vector<std::pair<std::string, std::string>>;
 
 /// A request to be sent. The header fields are sent as they stand; the client adds only what the
-/// protocol demands (host and length).
+/// protocol requires (host and length).
 struct HTTPRequest {
     std::string method = "POST";
     std::string url;

@@ -17,8 +17,8 @@ struct NEXHTTPRequestInfo {
     PakData zenPacketData;
     /// The addresses still to be tried; the first one is the current one.
     std::vector<std::string> serverURLs;
-    /// Handed on to whom reads the reply. Nobody makes such a key.
+    /// Handed on to the reader of the reply. No such key exists.
     const NexEncryptKey* encryptKey = nullptr;
-    /// Where the caller hears of the end.
+    /// Where the completion handler runs.
     vorla::CompletionQueue completionQueue = vorla::CompletionQueue::Main;
 };

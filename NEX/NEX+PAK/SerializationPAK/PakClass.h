@@ -33,7 +33,7 @@ class PakClass {
     using Size = size_t (*)();
 
     constexpr PakClass(const char* name, PakValue::Kind kind) : name_(name), kind_(kind) {}
-    /// `scope` tells the places of two classes of one name apart, see `vorla::pakScope`.
+    /// `scope` distinguishes two classes of one name, see `vorla::pakScope`.
     constexpr PakClass(const char* name, const char* scope, PakClass* base, Create create,
                        Size size, const char* pakType)
         : name_(name),
@@ -125,7 +125,7 @@ class PakClass {
     mutable std::atomic<const PakObjectPtr*> refObject_{nullptr};
 };
 
-/// Makes a structure's class known by name, as a static object beside it.
+/// Makes a structure's class known by name, as a static object next to it.
 struct PakClassEntry {
     explicit PakClassEntry(PakClass& declared);
 };

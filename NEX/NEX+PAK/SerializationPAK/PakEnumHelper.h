@@ -20,7 +20,7 @@ struct PakEnumHelper {
 
     /// The full name of a constant, empty for an unknown value; the base knows none.
     static std::optional<std::string> etos(int64_t /*value*/) { return std::nullopt; }
-    /// The value of a full name; the base gives the smallest number.
+    /// The value of a full name; the base returns the smallest number.
     static int64_t stoe(std::string_view /*name*/) { return std::numeric_limits<int64_t>::min(); }
 
     /// The name without the enumeration's name and the underscore; nothing for an unknown value.

@@ -74,7 +74,7 @@ class PakTypedField final : public PakField {
 ///   21           the tag
 ///   r or o       required, or optional (any word but "r")
 ///   iKey         the field's name, which may hold further underscores
-///   _b0x9i_...   for a list or map only: what it holds, as told at `PakPair::analyzeExtStr`
+///   _b0x9i_...   for a list or map only: what it holds, as described at `PakPair::analyzeExtStr`
 ///
 /// The value is reached as `pak_<field>()` and `setPak_<field>(value)`; an initial value may follow
 /// as a fourth argument. Types: bool, the integers up to signed 64 bits, float, double,

@@ -72,7 +72,7 @@ class PakOutputStream : public PakStream {
             grow(size);
     }
     [[gnu::cold]] void grow(int64_t size);
-    /// Writes a head, makes room for the payload and moves over both; gives the payload's place.
+    /// Writes a head, makes room for the payload and moves over both; returns the payload's place.
     uint8_t* beginField(int32_t tag, int32_t type, int64_t payload);
     void writeIntNearEnd(int64_t value, int32_t tag);
     [[nodiscard]] uint8_t* place() const { return streamBuffer_ + cursor_; }

@@ -36,8 +36,8 @@ class PakPair {
     /// Reads an extension string, the short form of a description inside a storage name:
     /// "M", two decimal digits n, n characters that describe the key, the description of the value;
     /// "V" and the description of the element; "O" and a class name.
-    /// Fails with "0" on anything else. An unknown class name gives an empty description. `from` is
-    /// the class in whose storage name the text stands, see `PakClass::named`.
+    /// Fails with "0" on anything else. An unknown class name yields an empty description. `from`
+    /// is the class in whose storage name the text stands, see `PakClass::named`.
     static PakDescription analyzeExtStr(std::string_view text, const PakClass* from = nullptr);
 
     /// The same for a whole extension string, which must be shorter than 128 characters and

@@ -126,7 +126,7 @@ class PakValue {
     PakValue(const PakData& data) : PakValue(std::span<const uint8_t>(data)) {}
     PakValue(PakArray array);
     PakValue(PakDictionary dictionary);
-    /// A null pointer gives nothing.
+    /// A null pointer becomes nothing.
     PakValue(PakObjectPtr object);
     template <std::derived_from<PakObject> T>
     PakValue(std::shared_ptr<T> object) : PakValue(PakObjectPtr(std::move(object))) {}

@@ -12,7 +12,7 @@
 ///
 /// The type names are "bool", "char", "short", "int32", "int64", "float", "double", "string" and
 /// "list<char>" for byte strings; a number object goes by the letter of its stored type, a
-/// structure by its full name, lists and other structures by the name that the caller gives.
+/// structure by its full name, lists and other structures by the name that the caller passes.
 struct ZenAttributeValues {
     using Text = ZenAttribute::Text;
 

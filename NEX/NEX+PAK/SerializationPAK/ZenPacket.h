@@ -8,7 +8,7 @@
 ///
 /// `fromData` raises NexSerializableException when the length does not match the bytes that came,
 /// before it reads anything else; a frame that matches and lacks a required field ends the process
-/// as PakInputStream tells.
+/// as PakInputStream describes.
 class ZenPacket : public RequestPacket {
     PAK_OBJECT(ZenPacket, RequestPacket, nullptr)
 

@@ -11,8 +11,8 @@
 
 /// Operations on byte strings. All are pure functions, safe on any thread; texts are UTF-8.
 ///
-/// Ciphers pad as PKCS#7 tells (an input of whole blocks grows by one), and give none when the key
-/// has a wrong length or the input to decrypt is not what an encryption with that key gives.
+/// Ciphers pad as PKCS#7 defines (an input of whole blocks grows by one), and return none when the
+/// key has a wrong length or the input to decrypt was not encrypted with that key.
 
 /// AES (FIPS 197) in ECB mode. The key's bytes are filled up with zeros to 32 or 16; of a key that
 /// is longer nothing is used, it counts as all zeros.

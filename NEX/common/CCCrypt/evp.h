@@ -18,7 +18,7 @@ using ByteView = std::span<const uint8_t>;
 
 /// Runs a block cipher with PKCS#7 padding over the whole input. `cipher` is its OpenSSL name; an
 /// empty `iv` goes with ECB. None when the key does not have the cipher's length, or the input to
-/// decrypt is not what such an encryption gives. Any thread.
+/// decrypt was not encrypted in this way. Any thread.
 ///
 /// The library's state that the host may use as well is left alone: algorithms come from a context
 /// of our own, and the thread's error queue is as it was before.

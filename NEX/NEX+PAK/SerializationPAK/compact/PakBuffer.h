@@ -48,7 +48,7 @@ class BufferReader {
             raiseSkip();
         position_ += count;
     }
-    /// Moves over bytes and gives them where they are.
+    /// Moves over bytes and returns a view of them.
     std::span<const uint8_t> take(size_t count) {
         if (count > left()) [[unlikely]]
             raisePeek();
@@ -90,8 +90,8 @@ class BufferWriter {
     [[nodiscard]] std::span<const uint8_t> bytes() const { return {bytes_.get(), length()}; }
     void clear() { place_ = bytes_.get(); }
 
-    /// Makes room for `count` bytes behind those written so far; gives their place. It is good, and
-    /// `advance` allowed, until the next call.
+    /// Makes room for `count` bytes behind those written so far; returns their place. It is good,
+    /// and `advance` allowed, until the next call.
     [[gnu::always_inline]] uint8_t* reserve(size_t count) {
         if (static_cast<size_t>(end_ - place_) < count) [[unlikely]]
             grow(count);
@@ -157,7 +157,7 @@ struct DataHead {
     uint8_t type = PAK_TYPE_NONE;
     uint8_t tag = 0;
 
-    /// Reads the head at the reader's place without moving; gives its length in bytes.
+    /// Reads the head at the reader's place without moving; returns its length in bytes.
     size_t peekFrom(const BufferReader& reader) {
         uint8_t first = 0;
         reader.peekBuf(&first, 1);
@@ -172,7 +172,7 @@ struct DataHead {
 
     void writeTo(BufferWriter& writer) const { writer.advance(storeAt(writer.reserve(8))); }
 
-    /// Stores the head at a place with room for eight bytes; gives its length.
+    /// Stores the head at a place with room for eight bytes; returns its length.
     size_t storeAt(uint8_t* to) const { return storeAt(to, type, tag, 0); }
 
     /// The same with the first bytes of the payload, the highest first, behind the head. As many of

@@ -23,7 +23,7 @@ bool PakInputStream::skipToTag(uint8_t tag) {
         }
     } catch (const PakDecodeException& failure) {
         std::printf("WARN: skipToTag '%d' occur a PakDecodeException[%s]. \n", tag, failure.what());
-        // What lies behind broken bytes cannot be told from them. Nothing more is looked for: a
+        // What lies behind broken bytes cannot be known from them. Nothing more is looked for: a
         // long row of broken fields would else cost an exception for each.
         reader_.skip(reader_.left());
     }

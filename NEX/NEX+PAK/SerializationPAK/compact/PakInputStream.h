@@ -39,9 +39,9 @@ class PakInputStream {
     [[nodiscard]] const BufferReader& reader() const { return reader_; }
 
     /// Moves to the field of that tag, over all that lie before it. False when it comes to a higher
-    /// tag or the end of the structure first. Bytes that cannot be passed over are told on standard
-    /// output, give false and end the stream: a structure cut short reads as one without its last
-    /// fields.
+    /// tag or the end of the structure first. Bytes that cannot be passed over are reported on
+    /// standard output, return false and end the stream: a structure cut short reads as one without
+    /// its last fields.
     bool skipToTag(uint8_t tag);
     /// Passes a whole field, or the payload of one of the given type.
     void skipField();

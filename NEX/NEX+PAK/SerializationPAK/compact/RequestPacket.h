@@ -9,7 +9,7 @@
 namespace analyticspak {
 
 /// The header of a call or a reply, with the tags 1 to 10 in the order below. Stored and sent:
-/// never renumber. All fields are written; a reader demands 1 and 4 to 7.
+/// never renumber. All fields are written; a reader requires 1 and 4 to 7.
 struct RequestPacket {
     int16_t iVersion = 2;
     char cPacketType = 0;
