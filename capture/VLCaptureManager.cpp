@@ -163,13 +163,11 @@ void VLCaptureManager::cancelCapture() {
 void VLCaptureManager::captureDidCancel() {
     const auto keptAlive = shared_from_this();
     VLLog("%s 取消截图", __func__);
-    // The host may show a window in the call, or end the session anew: by then nothing covers the
-    // screen, and nobody is left to hear of it twice.
+    // The host may show a window in the call, or start the next capture: by then nothing of this
+    // one is left that could call it again.
     const auto delegate = std::exchange(delegate_, nullptr);
-    observers_.clear();
-    cleanCaptureWindow();
-    if (delegate) delegate->captureRequestDidCancel(*request_);
     clean();
+    if (delegate) delegate->captureRequestDidCancel(*request_);
 }
 
 void VLCaptureManager::handleCaptureCancelNotification(const Notification& notification) {

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <chrono>
+#include <utility>
 
 #include <vorla/VLCaptureSetting.h>
 #include "capture/VLCaptureManager.h"
@@ -128,12 +129,12 @@ void VLCaptureManager::writeImageToPasteboard(const QImage& image) {
     const auto keptAlive = shared_from_this();
     const QByteArray png = vorla::PngEncoder::encode(image);
     vorla::writePNGDataToPasteboard(image, png);
-    if (const auto delegate = delegate_) {
-        VLLog("%s - pass Image to delegate", __func__);
-        delegate->captureRequest(*request_, bytesOf(png), std::nullopt, std::nullopt);
-    }
+    const auto delegate = std::exchange(delegate_, nullptr);
     VLLog("%s - clean", __func__);
     clean();
+    if (!delegate) return;
+    VLLog("%s - pass Image to delegate", __func__);
+    delegate->captureRequest(*request_, bytesOf(png), std::nullopt, std::nullopt);
 }
 
 void VLCaptureManager::defaultSaveImage(const QImage& image, bool isHighResolution) {

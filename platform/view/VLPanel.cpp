@@ -189,7 +189,6 @@ void VLPanel::makeFirstResponder(QWidget* responder) {
         setFocus(Qt::OtherFocusReason);
         return;
     }
-    responder->setFocusPolicy(Qt::NoFocus);
     responder->installEventFilter(this);
     responder->setFocus(Qt::OtherFocusReason);
 }
@@ -244,8 +243,16 @@ bool VLPanel::eventFilter(QObject* receiver, QEvent* event) {
     if (receiver == firstResponder_) watchResponder(*event);
     if (receiver != windowHandle()) return false;
     if (event->type() == QEvent::KeyPress) return interceptKey(*static_cast<QKeyEvent*>(event));
+    if (event->type() == QEvent::MouseButtonPress)
+        refuseClickFocus(static_cast<QMouseEvent*>(event)->position().toPoint());
     // The window is smaller than whole points by a part of one; the widget keeps them all.
     return event->type() == QEvent::Resize && !nativeFrame_.isEmpty() && !fitsNatively();
+}
+
+/// The toolkit's own widgets take the focus when they are clicked.
+void VLPanel::refuseClickFocus(QPoint at) const {
+    for (QWidget* widget = childAt(at); widget && widget != this; widget = widget->parentWidget())
+        if (widget->focusPolicy() & Qt::ClickFocus) widget->setFocusPolicy(Qt::NoFocus);
 }
 
 bool VLPanel::focusNextPrevChild(bool /*next*/) {

@@ -55,8 +55,7 @@ class VLPanel : public QWidget {
     [[nodiscard]] std::vector<VLOverlayPanel*> overlays() const;
 
     /// Gives the keys to a view or another widget in the panel; null gives them to the panel
-    /// itself, as does the end or hiding of the responder. The widget loses the toolkit's own way
-    /// of taking the focus by a click.
+    /// itself, as does the end or hiding of the responder.
     void makeFirstResponder(QWidget* responder);
     /// Null when it is the panel itself.
     [[nodiscard]] QWidget* firstResponder() const { return firstResponder_; }
@@ -111,6 +110,7 @@ class VLPanel : public QWidget {
     /// A key on its way to the first responder; true if it went elsewhere.
     bool interceptKey(QKeyEvent& event);
     void watchResponder(const QEvent& event);
+    void refuseClickFocus(QPoint at) const;
     void fitContent();
     [[nodiscard]] bool fitsNatively() const;
     /// Modal dialogs of the host block every window but those that belong to them.

@@ -125,30 +125,53 @@ TEST_F(Session, ACancelBeforeThePanelsOpensNothing) {
     EXPECT_EQ(controllers().size(), 1U);
 }
 
-/// The host's delegate may do as it likes while it hears; the session's end is settled by then.
-TEST_F(Session, TheHostMayCancelFromItsCallbacks) {
+/// The host's delegate may do as it likes while it hears: by then nothing of the session is left.
+TEST_F(Session, TheHostMayDoAnythingInItsCallbacks) {
     struct Eager : Host {
+        std::shared_ptr<VLCaptureRequest> next;
         void captureRequestDidCancel(VLCaptureRequest& request) override {
             Host::captureRequestDidCancel(request);
-            VLCancelCapture();
+            act();
         }
         void captureRequest(VLCaptureRequest& request, std::span<const std::byte> data,
                             const std::optional<std::string>& path,
                             const std::optional<std::string>& error) override {
             Host::captureRequest(request, data, path, error);
+            act();
+        }
+        void act() const {
+            for (const QWidget* widget : QApplication::topLevelWidgets())
+                EXPECT_FALSE(widget->isVisible()) << "a panel covers the host's message box";
+            post(NotificationCaptureDidCancel, false);
+            post(vorla::NSApplicationWillResignActiveNotification);
+            runPending();
             VLCancelCapture();
+            EXPECT_TRUE(!next || VLStartCapture(next));
         }
     };
     const auto eager = std::make_shared<Eager>();
     request_->setDelegate(eager);
-    start();
-    pointer().key(Qt::Key_Escape);
-    EXPECT_EQ(eager->cancelled, 1);
-    start();
-    pointer().drag({{10, 10}, {50, 50}});
-    pointer().key(Qt::Key_Return);
-    EXPECT_EQ(eager->delivered.size(), 1U);
-    expectOver();
+    for (const bool startsNext : {false, true}) {
+        start();
+        if (startsNext) eager->next = std::make_shared<VLCaptureRequest>();
+        pointer().key(Qt::Key_Escape);
+        EXPECT_EQ(std::exchange(eager->cancelled, 0), 1);
+        if (!startsNext) start();
+        EXPECT_TRUE(vorla::test::waitUntil([] { return controllers().size() == 1; }));
+        runPending();
+        VLCancelCapture();
+        runPending();
+        expectOver();
+        start();
+        pointer().drag({{10, 10}, {50, 50}});
+        pointer().key(Qt::Key_Return);
+        EXPECT_EQ(std::exchange(eager->delivered, {}).size(), 1U);
+        EXPECT_EQ(VLIsCapturing(), startsNext);
+        VLCancelCapture();
+        runPending();
+        expectOver();
+        EXPECT_EQ(eager->cancelled, 0);
+    }
 }
 
 /// Each broadcast of a session may be what makes somebody end it.
@@ -233,6 +256,7 @@ TEST_F(Session, OneScreenGoesOnAndReturnWorksOnAll) {
     pointer(1).drag({{10, 20}, {110, 70}});
     for (const size_t out : {0U, 2U}) {
         pointer(out).drag({{10, 20}, {110, 70}});
+        pointer(out).click({50, 50}, 3);
         EXPECT_TRUE(surface(out).selectedRect().isZero());
     }
     pointer(2).key(Qt::Key_Return);

@@ -46,6 +46,7 @@ TEST_F(WindowController, MakesFramesLocalToTheScreen) {
     server_->setWindows(std::vector{serverWindow(1, {1260, 700, 100, 60}, 0, "Google Chrome"),
                                     serverWindow(2, {-600, -90, 20, 30}, 0, "Ibis浏览器")});
     start();
+    EXPECT_EQ(server_->keeps, 1) << "again, it would keep what our panels hide";
     const std::vector<VLRect> expected[] = {
         {{1260, 40, 100, 60}, {0, 0, 1280, 800}},
         {{-10, 20, 50, 30}, {0, 0, 640, 400}},

@@ -179,9 +179,9 @@ TEST_F(Selection, ReturnBeforeASelectionDoesNothing) {
 TEST_F(Selection, TheFrozenPictureSitsPixelForPixelUnderTheSelection) {
     openWallpaper();
     const QImage screen = stillScreen();
-    ASSERT_EQ(begin(), 1);
     driver->moveTo(600, 500);
-    // The magnifier and the border are the only things over a selected whole screen.
+    ASSERT_EQ(begin(), 1);
+    // Though the pointer has not moved yet, what it is on is selected. The magnifier and the border are the only things over a selected whole screen.
     const QRect clear(900, 100, 800, 800);
     EXPECT_TRUE(comesToShow(screen, clear));
     driver->drag({300, 200}, {900, 700});

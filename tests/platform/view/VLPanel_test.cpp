@@ -72,6 +72,7 @@ TEST_P(Panel, CountsClicks) {
         QPointF at;
         Qt::MouseButton button;
         int count;
+        bool drags = false;
     };
     const QPointF a(100.5, 100.5);
     const Press presses[] = {
@@ -84,11 +85,18 @@ TEST_P(Panel, CountsClicks) {
         {92100, a + QPointF(30, 0), Qt::LeftButton, 1},
         {50, a + QPointF(30, 0), Qt::LeftButton, 1},  // a clock that ran backwards
         {60, a + QPointF(30, 0), Qt::LeftButton, 2},
+        {70, a + QPointF(30, 0), Qt::LeftButton, 3, true},
+        {80, a + QPointF(30, 0), Qt::LeftButton, 1, true},  // a nudge is no click
+        {90, a + QPointF(30, 0), Qt::LeftButton, 1},
     };
     std::vector<int> expected;
     for (const Press& press : presses) {
         for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
             const bool down = type == QEvent::MouseButtonPress;
+            if (press.drags && !down)
+                qt_handleMouseEvent(panel_->windowHandle(), press.at + QPointF(1, 0),
+                                    panel_->mapToGlobal(press.at + QPointF(1, 0)), press.button,
+                                    Qt::NoButton, QEvent::MouseMove, Qt::NoModifier, press.time);
             qt_handleMouseEvent(panel_->windowHandle(), press.at, panel_->mapToGlobal(press.at),
                                 down ? press.button : Qt::NoButton, press.button, type,
                                 Qt::NoModifier, press.time);
