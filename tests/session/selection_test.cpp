@@ -181,7 +181,8 @@ TEST_F(Selection, TheFrozenPictureSitsPixelForPixelUnderTheSelection) {
     const QImage screen = stillScreen();
     driver->moveTo(600, 500);
     ASSERT_EQ(begin(), 1);
-    // Though the pointer has not moved yet, what it is on is selected. The magnifier and the border are the only things over a selected whole screen.
+    // Though the pointer has not moved yet, what it is on is selected. The magnifier and the border
+    // are the only things over a selected whole screen.
     const QRect clear(900, 100, 800, 800);
     EXPECT_TRUE(comesToShow(screen, clear));
     driver->drag({300, 200}, {900, 700});
