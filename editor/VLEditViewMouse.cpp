@@ -1,5 +1,7 @@
 // What a press on VLEditView does, and the drags that it starts.
 
+#include <vorla/VLStatistics.h>
+
 #include <QPointer>
 
 #include "editor/VLEditNotifications.h"
@@ -15,7 +17,6 @@ using vorla::NotificationCenter;
 namespace {
 
 constexpr auto trackingTimeout = std::chrono::seconds(5);
-constexpr int eventDoubleClick = 1013;
 
 }  // namespace
 
@@ -99,7 +100,7 @@ void VLEditView::mouseDown(const VLMouseEvent& event) {
 
 void VLEditView::pressOnNothing(const VLMouseEvent& event, VLPoint point) {
     if (event.clickCount >= 2) {
-        vorla::fireStatisticEvent(eventDoubleClick);
+        vorla::fireStatisticEvent(VLStatEventDoubleClick);
         NotificationCenter::defaultCenter().post(NotificationCaptureDidFinish);
         return;
     }

@@ -101,36 +101,6 @@ TEST_F(Statistics, FourThreadsLoseNoEvent) {
     EXPECT_EQ(std::distance(fs::directory_iterator(counters_), fs::directory_iterator()), 1);
 }
 
-TEST_F(Statistics, AKilledProcessLeavesTheStateBeforeOrAfterAnEvent) {
-    std::mt19937 random(11);
-    uint64_t reached = 0;
-    for (int round = 0; round < 40; ++round) {
-        ChildProcess host([this] {
-            VLStatisticManager manager(counters_, old_);
-            for (;;) {
-                manager.statisticEvent(1);
-                manager.statisticEvent(2);
-            }
-            return 0;
-        });
-        const auto count = [this] {
-            return readFromPlistFile(path_).value_or(json::object()).value("1", uint64_t{0});
-        };
-        for (int i = 0; i < 5000 && count() <= reached; ++i)
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        std::this_thread::sleep_for(std::chrono::microseconds(random() % 5000));
-        host.kill(SIGKILL);
-        host.wait();
-        const json stored = readFromPlistFile(path_).value_or(json::object());
-        const uint64_t first = stored.value("1", uint64_t{0});
-        const uint64_t second = stored.value("2", uint64_t{0});
-        ASSERT_GE(first, reached);
-        ASSERT_LE(first - second, static_cast<uint64_t>(round + 1));
-        reached = first;
-    }
-    EXPECT_GT(reached, 40U);
-}
-
 TEST_F(Statistics, DamagedAndForeignFilesAreSurvivedAndPutAside) {
     const vorla::test::LogRecorder log;
     ASSERT_TRUE(vorla::createDirectories(counters_));

@@ -66,16 +66,4 @@ TEST_F(MainQueueTest, TasksWaitWhileThereIsNoLoop) {
     EXPECT_EQ(order_, "1");
 }
 
-TEST_F(MainQueueTest, ATaskMayPostAnother) {
-    MainQueue::setBackend(loop_);
-    MainQueue::post([this] {
-        MainQueue::post(note('2'));
-        order_ += '1';
-    });
-    loop_->runAll();
-    EXPECT_EQ(order_, "1");
-    loop_->runAll();
-    EXPECT_EQ(order_, "12");
-}
-
 }  // namespace

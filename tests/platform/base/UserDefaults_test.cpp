@@ -78,30 +78,6 @@ TEST_F(Defaults, ProcessesAndThreadsLoseNoneOfEachOthersKeys) {
     EXPECT_EQ(stored.size(), 200U);
 }
 
-TEST_F(Defaults, AKilledWriterLeavesAWholeFile) {
-    std::mt19937 random(3);
-    UserDefaults watcher(path_);
-    watcher.setObject("kept", true);
-    ASSERT_TRUE(watcher.synchronize());
-    for (int round = 0; round < 30; ++round) {
-        ChildProcess writer([&] {
-            UserDefaults defaults(path_);
-            for (int64_t i = 0;; ++i) {
-                defaults.setObject("n", i);
-                defaults.synchronize();
-            }
-            return 0;
-        });
-        std::this_thread::sleep_for(std::chrono::microseconds(500 + random() % 4000));
-        writer.kill(SIGKILL);
-        writer.wait();
-        ASSERT_EQ(watcher.objectForKey("kept"), Value(true));
-    }
-    watcher.setObject("after", true);
-    EXPECT_TRUE(watcher.synchronize());
-    EXPECT_TRUE(log_.lines().empty());
-}
-
 TEST_F(Defaults, AnUnwritableFileKeepsValuesForTheProcess) {
     ASSERT_TRUE(vorla::writeFileAtomically(folder_ / "sub", "a file where the folder should be"));
     UserDefaults defaults(path_);
@@ -131,18 +107,6 @@ TEST_F(Defaults, ABrokenFileIsPutAsideAndAnUnreadableOneIsLeftAlone) {
     defaults.setObject("b", true);
     EXPECT_FALSE(defaults.synchronize());
     EXPECT_EQ(defaults.objectForKey("b"), Value(true));
-}
-
-TEST_F(Defaults, ForeignKindsInTheFileReadAsAbsentAndStay) {
-    ASSERT_TRUE(vorla::createDirectories(folder_ / "sub"));
-    ASSERT_TRUE(vorla::writeFileAtomically(path_, R"({"list": [1], "none": null, "a": 1})"));
-    UserDefaults defaults(path_);
-    EXPECT_FALSE(defaults.objectForKey("list"));
-    EXPECT_FALSE(defaults.objectForKey("none"));
-    defaults.setObject("a", std::string("\xFF not UTF-8"));
-    EXPECT_TRUE(defaults.synchronize());
-    EXPECT_EQ(nlohmann::json::parse(vorla::readFile(path_).value_or(""))["list"],
-              nlohmann::json({1}));
 }
 
 TEST_F(Defaults, AStoppedProcessWithTheLockIsNotWaitedForForever) {

@@ -71,15 +71,6 @@ TEST(Geometry, ZeroNullAndEmptyAreToldApart) {
     EXPECT_TRUE((VLSize{std::nan(""), 1.0}).isEmpty());
 }
 
-TEST(Geometry, ContainsRectCountsSharedEdgesAsInside) {
-    const VLRect a{0, 0, 10, 10};
-    EXPECT_TRUE(a.containsRect(a));
-    EXPECT_TRUE(a.containsRect({9, 9, 1, 1}));
-    EXPECT_FALSE(a.containsRect({9, 9, 1, 1.001}));
-    EXPECT_FALSE(a.containsRect({5, 5, 0, 0}));
-    EXPECT_FALSE(VLRect::null().containsRect(a));
-}
-
 TEST(Geometry, RoundsOutwardToPointsAndInwardToPixels) {
     const struct {
         const char* name;
