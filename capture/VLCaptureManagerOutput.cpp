@@ -21,6 +21,7 @@
 
 using vorla::DispatchQueue;
 using vorla::MainQueue;
+using vorla::PngEncoder;
 
 namespace {
 
@@ -60,11 +61,11 @@ std::string fileName(const Delivery& delivery, bool isHighResolution, const std:
         VLCaptureSetting::sharedInstance().fileNamePrefix(), QDateTime::currentDateTime());
 }
 
-/// Writes the file and gives the PNG of what was written, encoded once where the file is one too.
+/// Writes the file and returns the PNG of what was written, encoded once where the file is one too.
 /// Any thread.
-QByteArray saveTo(Delivery& delivery, const std::string& path) {
+QByteArray saveTo(Delivery& delivery, const std::string& path, PngEncoder::Goal goal) {
     if (delivery.reduce) delivery.image = vorla::convert2Xto1XImage(delivery.image);
-    const QByteArray png = vorla::PngEncoder::encode(delivery.image);
+    const QByteArray png = PngEncoder::encode(delivery.image, {.goal = goal});
     const auto fileType = static_cast<int>(delivery.fileType);
     if (fileType == vorla::ImageFileTypePng)
         vorla::saveToFile(png, path);
@@ -86,7 +87,7 @@ void saveWhereChosen(Delivery delivery, const vorla::SavePanel::Choice& choice) 
     DispatchQueue::global().async([delivery = std::move(delivery), choice]() mutable {
         const std::string path = vorla::expandTilde(choice.path.toStdString());
         VLCaptureSetting::sharedInstance().setLastSavePath(choice.directory.toStdString());
-        const QByteArray png = saveTo(delivery, path);
+        const QByteArray png = saveTo(delivery, path, PngEncoder::Goal::Size);
         tellDelegate(std::move(delivery), png, path);
     });
 }
@@ -127,7 +128,7 @@ void VLCaptureManager::playSound() {
 void VLCaptureManager::writeImageToPasteboard(const QImage& image) {
     if (image.isNull()) return;
     const auto keptAlive = shared_from_this();
-    const QByteArray png = vorla::PngEncoder::encode(image);
+    const QByteArray png = PngEncoder::encode(image);
     vorla::writePNGDataToPasteboard(image, png);
     const auto delegate = std::exchange(delegate_, nullptr);
     VLLog("%s - clean", __func__);
@@ -143,7 +144,7 @@ void VLCaptureManager::defaultSaveImage(const QImage& image, bool isHighResoluti
     const std::string folder =
         vorla::expandTilde(VLCaptureSetting::sharedInstance().lastSavePath());
     const std::string path = folder + "/" + fileName(delivery, isHighResolution, folder);
-    const QByteArray png = saveTo(delivery, path);
+    const QByteArray png = saveTo(delivery, path, PngEncoder::Goal::Speed);
     VLLog("save Image to path:%s", path.c_str());
     tellDelegate(delivery, png, path);
 }

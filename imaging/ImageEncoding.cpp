@@ -6,7 +6,7 @@
 #include <exception>
 
 #include "imaging/GifEncoding.h"
-#include "imaging/ImageResolution.h"
+#include "imaging/ImageHelpers.h"
 #include "imaging/Jpeg2000Encoding.h"
 #include "imaging/TiffEncoding.h"
 #include "imaging/png/PngEncoder.h"

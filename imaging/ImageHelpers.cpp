@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstring>
+#include <memory>
 
 #include "imaging/ImageEncoding.h"
 #include "imaging/LanczosScaler.h"
@@ -31,6 +32,40 @@ VLSize pixelSize(const QImage& image) {
 
 bool isHighReolution(const QImage& image) {
     return !image.isNull() && image.devicePixelRatio() > 1.0;
+}
+
+double dotsPerInch(const QImage& image) {
+    return 72.0 * image.devicePixelRatio();
+}
+
+int dotsPerMeter(const QImage& image) {
+    return static_cast<int>(std::lround(dotsPerInch(image) / 0.0254));
+}
+
+QImage imagePart(const QImage& image, const VLRect& rect) {
+    if (image.isNull() || rect.isEmpty()) return {};
+    const double scale = image.devicePixelRatio();
+    // Noise of the division by the scale must not take in another row.
+    constexpr double noise = 1e-3;
+    const VLRect device =
+        VLRect{rect.x * scale, rect.y * scale, rect.width * scale, rect.height * scale}
+            .insetBy(noise, noise)
+            .integral()
+            .intersection({0.0, 0.0, static_cast<double>(image.width()),
+                           static_cast<double>(image.height())});
+    if (device.isEmpty()) return {};
+    const int x = static_cast<int>(device.x);
+    const int y = image.height() - static_cast<int>(device.maxY());
+    const int bytesPerPixel = image.depth() / 8;
+    auto keeper = std::make_unique<QImage>(image);
+    QImage part(
+        image.constScanLine(y) + static_cast<ptrdiff_t>(x) * bytesPerPixel,
+        static_cast<int>(device.width), static_cast<int>(device.height), image.bytesPerLine(),
+        image.format(),
+        [](void* kept) { const std::unique_ptr<QImage> dropped(static_cast<QImage*>(kept)); },
+        keeper.release());
+    part.setDevicePixelRatio(scale);
+    return part;
 }
 
 bool saveToFile(const QImage& image, const std::string& path, int fileType) {

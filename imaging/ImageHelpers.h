@@ -17,6 +17,16 @@ VLSize pixelSize(const QImage& image);
 /// Whether the picture has more than one pixel to a point.
 bool isHighReolution(const QImage& image);
 
+/// The resolution that a file states: a point is 1/72 inch, so a picture of a screen at twice the
+/// pixels has 144 dots per inch and opens at its natural size elsewhere.
+double dotsPerInch(const QImage& image);
+int dotsPerMeter(const QImage& image);
+
+/// A rectangle of a picture without copying a pixel: the result reads the original's memory and
+/// keeps it alive. `rect` is in points with the origin at the picture's lower left, made whole in
+/// device pixels outwards and cut to the picture. Null for an empty result.
+QImage imagePart(const QImage& image, const VLRect& rect);
+
 /// Writes the picture as a file of `fileType` (see ImageEncoding.h). A leading "~" stands for the
 /// home directory, and missing folders are created: a picture must not be lost because its folder
 /// was removed meanwhile. The file appears whole or not at all, an older one of that name is then

@@ -11,7 +11,7 @@
 #include <memory>
 #include <thread>
 
-#include "imaging/ImageResolution.h"
+#include "imaging/ImageHelpers.h"
 #include "imaging/MemoryFile.h"
 
 namespace vorla {

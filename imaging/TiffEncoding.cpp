@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "imaging/ImageResolution.h"
+#include "imaging/ImageHelpers.h"
 #include "imaging/MemoryFile.h"
 
 namespace vorla {

@@ -2,7 +2,7 @@
 
 #include <QPainter>
 
-#include "imaging/ImagePart.h"
+#include "imaging/ImageHelpers.h"
 #include "platform/base/VLLog.h"
 #include "platform/view/VLPanel.h"
 #include "platform/view/drawing.h"

@@ -1,6 +1,6 @@
 #include "windows/VLCaptureWindowInfo.h"
 
-#include "imaging/ImagePart.h"
+#include "imaging/ImageHelpers.h"
 #include "windows/VLCaptureUtilities.h"
 
 using vorla::WindowPicture;

@@ -5,25 +5,31 @@
 
 namespace vorla {
 
-/// Writes PNG files several times as fast as the usual writers, at about their size: rows are
-/// packed and filtered with vector instructions and compressed in stripes on several processors,
-/// and the coder adapts to what each stripe holds.
+/// Writes PNG files many times as fast as the usual writers. Rows are packed and filtered with
+/// vector instructions; large pictures are compressed by igzip in stripes on all processors, small
+/// ones and those that nobody waits for by libdeflate in one piece.
 class PngEncoder {
  public:
+    enum class Goal {
+        Speed,  ///< someone waits; a large file may be a seventh larger than the usual writers'
+        Size,   ///< in the background: no larger than the usual writers' files
+    };
     struct Options {
-        /// Store an opaque picture of at most 256 colours as an indexed one. Every reader gives the
-        /// same pixels, but Qt's gives them as Format_Indexed8.
+        Goal goal = Goal::Speed;
+        /// Store an opaque picture of at most 256 colours as an indexed one. Every reader returns
+        /// the same pixels, but Qt's returns them as Format_Indexed8.
         bool mayIndexColors = true;
     };
 
     /// The PNG file of a picture, at 8 bits a channel: RGB if all pixels are opaque, else RGBA with
     /// straight alpha. RGB32, ARGB32 and ARGB32_Premultiplied are read in place, other formats
-    /// converted first. A device pixel ratio other than 1 is told as resolution (72 dpi times the
-    /// ratio).
+    /// converted first. A device pixel ratio other than 1 is stored as resolution (72 dpi times
+    /// the ratio).
     ///
     /// Blocks the caller, which works along with threads of the global queue, and is safe from any
-    /// thread and from tasks of that queue. Beside the result it needs less than half of the
-    /// picture's own memory. Empty if the picture is null or memory runs out.
+    /// thread and from tasks of that queue. For a large picture and speed it needs, next to the
+    /// result, less than half of the picture's own memory, else about as much as the picture.
+    /// Empty if the picture is null or memory runs out.
     static QByteArray encode(const QImage& image, Options options);
     static QByteArray encode(const QImage& image) { return encode(image, Options()); }
 };

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "imaging/ImagePart.h"
+#include "imaging/ImageHelpers.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "bench/screens.h"
+#include "bench/png/screens.h"
 
 #include <QPainter>
 #include <QPainterPath>
