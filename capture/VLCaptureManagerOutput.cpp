@@ -95,7 +95,7 @@ void saveWhereChosen(Delivery delivery, const vorla::SavePanel::Choice& choice) 
 void openSavePanel(const Delivery& delivery, const std::string& name, const std::string& folder) {
     const QString offered = QString::fromStdString(name);
     const QString title =
-        QString::fromStdString(vorla::Bundle::framework().localizedString("VLSavePanelTitle"));
+        QString::fromStdString(vorla::Bundle::framework().localizedString("Save Picture"));
     vorla::SavePanel::begin({title, offered, QString::fromStdString(vorla::expandTilde(folder)),
                              offered.section(u'.', -1)},
                             [delivery](const std::optional<vorla::SavePanel::Choice>& choice) {

@@ -79,7 +79,7 @@ bool saveToFile(const QByteArray& bytes, const std::string& path) {
     const size_t slash = target.rfind('/');
     if (slash != std::string::npos && slash > 0 && !createDirectories(target.substr(0, slash)))
         return fail(std::strerror(errno));
-    if (!writeFileAtomically(target, {bytes.constData(), static_cast<size_t>(bytes.size())}))
+    if (!writeFileAtomically(target, {bytes.constData(), static_cast<size_t>(bytes.size())}, 0666))
         return fail(std::strerror(errno));
     return true;
 }

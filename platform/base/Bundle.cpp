@@ -20,21 +20,28 @@ namespace {
 
 using nlohmann::json;
 
-std::string installedResourcePath() {
-    // Not from the environment of a program that runs with another user's rights.
-    if (const char* named = secure_getenv("VORLA_RESOURCES"); named && *named) return named;
+/// `below` ("share/VorlaFramework") under the directory that the library was installed in; empty
+/// where it is not there.
+std::string installedPath(const std::string& below) {
     Dl_info facts = {};
     std::error_code error;
-    if (dladdr(reinterpret_cast<const void*>(&installedResourcePath), &facts) && facts.dli_fname) {
-        const auto module = std::filesystem::canonical(facts.dli_fname, error);
-        // A multiarch library directory (lib/x86_64-linux-gnu) lies one level deeper.
-        for (auto folder = module.parent_path(); folder.has_relative_path();
-             folder = folder.parent_path()) {
-            const auto candidate = folder.parent_path() / "share" / "VorlaFramework";
-            if (std::filesystem::is_directory(candidate, error)) return candidate.string();
-        }
+    if (!dladdr(reinterpret_cast<const void*>(&installedPath), &facts) || !facts.dli_fname)
+        return {};
+    const auto module = std::filesystem::canonical(facts.dli_fname, error);
+    // A multiarch library directory (lib/x86_64-linux-gnu) lies one level deeper.
+    for (auto folder = module.parent_path(); folder.has_relative_path();
+         folder = folder.parent_path()) {
+        const auto candidate = folder.parent_path() / below;
+        if (std::filesystem::exists(candidate, error)) return candidate.string();
     }
-    return "/usr/share/VorlaFramework";
+    return {};
+}
+
+std::string initialResourcePath() {
+    // Not from the environment of a program that runs with another user's rights.
+    if (const char* named = secure_getenv("VORLA_RESOURCES"); named && *named) return named;
+    const std::string installed = installedPath("share/VorlaFramework");
+    return installed.empty() ? "/usr/share/VorlaFramework" : installed;
 }
 
 json readJsonObject(const std::string& path) {
@@ -62,7 +69,7 @@ struct Bundle::State {
     std::map<std::string, json> stringTables;
 
     const std::string& resourcePath() {
-        if (!path) path = installedResourcePath();
+        if (!path) path = initialResourcePath();
         return *path;
     }
 
@@ -99,6 +106,10 @@ std::string Bundle::pathForResource(std::string_view name) const {
     std::string path = resourcePath() + "/" + std::string(name);
     std::error_code error;
     return std::filesystem::is_regular_file(path, error) ? path : std::string();
+}
+
+std::string Bundle::pathForHelper(const std::string& name) {
+    return installedPath("libexec/VorlaFramework/" + name);
 }
 
 json Bundle::infoValue(std::string_view key) const {

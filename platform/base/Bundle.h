@@ -28,6 +28,10 @@ class Bundle {
     /// The path of a resource file, or empty when there is no such file.
     [[nodiscard]] std::string pathForResource(std::string_view name) const;
 
+    /// The path of a program that the framework runs, `libexec/VorlaFramework/<name>` in the
+    /// directory that the library was installed in, or empty when there is none.
+    [[nodiscard]] static std::string pathForHelper(const std::string& name);
+
     /// A value of the information dictionary as text (numbers in decimal), or empty when absent.
     [[nodiscard]] std::string infoString(std::string_view key) const;
     /// The value as it stands in the dictionary; null when absent.

@@ -2,10 +2,12 @@
 
 #include <fcntl.h>
 #include <pwd.h>
+#include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cctype>
 #include <cerrno>
 #include <chrono>
@@ -68,6 +70,22 @@ std::string userDirectory(const std::string& key, const char* fallback) {
     return found;
 }
 
+/// A new file next to `path`. Unlike those of mkostemp its permission follows the umask, which can
+/// be neither asked for nor set safely while other threads run.
+UniqueFd createTemporary(const std::string& path, mode_t mode, std::string& name) {
+    constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyz0123456789";
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        std::array<unsigned char, 6> random = {};
+        if (::getrandom(random.data(), random.size(), 0) != static_cast<ssize_t>(random.size()))
+            return UniqueFd();
+        name = path + ".";
+        for (const unsigned char byte : random) name += letters[byte % letters.size()];
+        UniqueFd fd(::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+        if (fd || errno != EEXIST) return fd;
+    }
+    return UniqueFd();
+}
+
 }  // namespace
 
 std::optional<std::string> readFile(const std::string& path, const ReadLimits& limits) {
@@ -101,10 +119,10 @@ std::optional<std::string> readFile(const std::string& path, const ReadLimits& l
 }
 
 bool writeFileAtomically(const std::string& path, std::string_view bytes, mode_t mode) {
-    std::string temporary = path + ".XXXXXX";
-    UniqueFd fd(::mkostemp(temporary.data(), O_CLOEXEC));
+    std::string temporary;
+    UniqueFd fd = createTemporary(path, mode, temporary);
     if (!fd) return false;
-    bool done = ::fchmod(fd.get(), mode) == 0 && writeAll(fd.get(), bytes);
+    bool done = writeAll(fd.get(), bytes);
     done = done && ::close(fd.release()) == 0 && std::rename(temporary.c_str(), path.c_str()) == 0;
     if (!done) {
         const int reason = errno;

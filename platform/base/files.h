@@ -24,8 +24,8 @@ std::optional<std::string> readFile(const std::string& path, const ReadLimits& l
 
 /// Replaces a file so that a reader, or the next start after a crash, sees the old bytes or the new
 /// ones and never a mixture: writes a temporary neighbour, then renames it. `mode` is the new
-/// file's permission. On failure returns false with errno set; the old file is untouched and
-/// nothing is left behind.
+/// file's permission, less what the umask takes. On failure returns false with errno set; the old
+/// file is untouched and nothing is left behind.
 bool writeFileAtomically(const std::string& path, std::string_view bytes, mode_t mode = 0644);
 
 /// Removes what writers that were killed have left next to the path: temporary neighbours that are

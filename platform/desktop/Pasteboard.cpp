@@ -7,6 +7,8 @@
 #include <QMimeData>
 #include <QStringList>
 
+#include "platform/desktop/ClipboardKeeper.h"
+
 namespace vorla {
 namespace {
 
@@ -81,7 +83,9 @@ bool Pasteboard::setData(const QByteArray& data, const QString& type) {
         contents->setData(type, data);
     }
     QGuiApplication::clipboard()->setMimeData(contents);
-    return QGuiApplication::clipboard()->ownsClipboard();
+    if (!QGuiApplication::clipboard()->ownsClipboard()) return false;
+    if (type == typePNG()) keepPictureOnClipboard(data);
+    return true;
 }
 
 }  // namespace vorla

@@ -8,8 +8,8 @@ namespace vorla {
 /// The general pasteboard (the desktop's clipboard). Main thread.
 ///
 /// A picture is offered as image/png first, with its bytes ready, and after that as the other image
-/// types that programs ask for, which are made from the same bytes when asked. With a clipboard
-/// manager running, the contents outlive the host.
+/// types that programs ask for, which are made from the same bytes when asked. The PNG
+/// outlives the host: a clipboard manager keeps it, else a small process of ours does.
 class Pasteboard {
  public:
     static QString typePNG() { return QStringLiteral("image/png"); }

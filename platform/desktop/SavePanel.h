@@ -13,7 +13,7 @@ class SavePanel {
         QString title;
         QString fileName;       ///< offered name, with its extension
         QString directory;      ///< offered folder; the home folder when it does not exist
-        QString fileExtension;  ///< the one allowed extension, without a dot; added when missing
+        QString fileExtension;  ///< the one allowed extension, without a dot; added to others
     };
     struct Choice {
         QString path;
