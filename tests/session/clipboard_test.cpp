@@ -1,5 +1,5 @@
 // The delivered picture can be pasted into another program: at once, during the next session, and
-// after the host's end where something keeps the clipboard.
+// after the host's end.
 
 #include <QFile>
 #include <QProcess>
@@ -50,16 +50,22 @@ TEST_F(Clipboard, HoldsTheDeliveredPng) {
     EXPECT_EQ(paste("image/png"), png) << "after a cancelled session";
 }
 
-TEST_F(Clipboard, IsKeptByAManagerAfterTheHostsEnd) {
+TEST_F(Clipboard, OutlivesTheHostWithAndWithoutAManager) {
     openWallpaper();
-    TestProgram manager({}, builtProgram("vorla-test-clipboard"));
-    ASSERT_TRUE(manager.waitForLine("ready"));
-    HostProgram other;
-    ASSERT_TRUE(other.start());
-    const QByteArray png = deliver(other);
-    other.send("quit");
-    EXPECT_EQ(other.program().waitForExit(20000), 0);
-    EXPECT_EQ(paste("image/png"), png);
+    for (const bool managed : {false, true}) {
+        std::optional<TestProgram> manager;
+        if (managed) {
+            manager.emplace(std::vector<std::string>(), builtProgram("vorla-test-clipboard"));
+            ASSERT_TRUE(manager->waitForLine("ready"));
+        }
+        HostProgram other;
+        ASSERT_TRUE(other.start());
+        const QByteArray png = deliver(other);
+        other.send("quit");
+        EXPECT_EQ(other.program().waitForExit(20000), 0);
+        EXPECT_EQ(paste("image/png"), png) << managed;
+        EXPECT_EQ(paste("image/png"), png) << managed << ", pasted again";
+    }
 }
 
 }  // namespace
