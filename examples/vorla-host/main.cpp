@@ -16,6 +16,7 @@
 #include <memory>
 #include <optional>
 
+#include <vorla/CrashReporter.h>
 #include <vorla/VLCapture.h>
 #include "CommandReader.h"
 #include "HostOptions.h"
@@ -55,6 +56,9 @@ class Host : public VLCaptureRequestDelegate {
             report(QJsonObject{{"event", "panels"}, {"screens", screens}});
             if (options.crash && options.crashWhenPanels) options.crash->provoke();
         });
+        // Counted before their upload, which begins now.
+        if (const auto stored = CrashReporter::sharedInstance().storedCrashCount(); stored > 0)
+            report(QJsonObject{{"event", "crashes"}, {"stored", static_cast<qint64>(stored)}});
         VLPrepareCapture();
         if (!options_.once && !options_.background) {
             window_.show();
