@@ -1,6 +1,7 @@
 #include "toolbar/popover/VLPopoverView.h"
 
 #include <QPainter>
+#include <QPolygonF>
 #include <cmath>
 
 #include "platform/base/VLLog.h"
@@ -53,20 +54,26 @@ VLRect VLPopoverView::roundRectFrame() const {
     return {all.x, arrowOnTop ? all.y : all.y + strip, all.width, all.height - strip};
 }
 
-/// One outline for both parts: where two would meet, antialiasing leaves a seam.
+/// One outline for both parts: where two would meet, antialiasing leaves a seam. The arrow reaches
+/// into the body, for two that just touch do not become one.
 QPainterPath VLPopoverView::shape() const {
     const VLRect body = roundRectFrame();
     const VLSize arrow = arrowSize();
-    const double base = arrowDirection_ == VLPopoverArrowDirectionUp ? -arrow.height : arrow.height;
-    QPainterPath triangle;
-    triangle.moveTo(arrowPoint_.x, arrowPoint_.y);
-    triangle.lineTo(arrowPoint_.x - arrow.width / 2.0, arrowPoint_.y + base);
-    triangle.lineTo(arrowPoint_.x + arrow.width / 2.0, arrowPoint_.y + base);
-    triangle.closeSubpath();
+    const double down = arrowDirection_ == VLPopoverArrowDirectionUp ? -1.0 : 1.0;
+    const double base = arrowPoint_.y + down * arrow.height;
+    const double left = arrowPoint_.x - arrow.width / 2.0;
+    const double right = arrowPoint_.x + arrow.width / 2.0;
+    QPainterPath pointer;
+    pointer.addPolygon(QPolygonF{{arrowPoint_.x, arrowPoint_.y},
+                                 {left, base},
+                                 {left, base + down},
+                                 {right, base + down},
+                                 {right, base}});
+    pointer.closeSubpath();
     QPainterPath outline;
     outline.addRoundedRect(QRectF(body.x, body.y, body.width, body.height), cornerRadius,
                            cornerRadius);
-    return outline.united(triangle);
+    return outline.united(pointer);
 }
 
 QImage VLPopoverView::maskImage() const {
