@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "crash/CvrLog.h"
+#include "crash/handler/CaughtReport.h"
+#include "crash/handler/FaultHandler.h"
 #include "crash/handler/SessionState.h"
 #include "platform/base/raii.h"
 
@@ -79,6 +81,25 @@ void CvrCrashData::addSceneValue(const std::string& value, const std::string& fo
 
 void CvrCrashData::addSdkSceneValue(const std::string& value, const std::string& forKey) {
     if (isSceneKey(forKey)) putScene("C04_" + forKey, value);
+}
+
+std::string CvrCrashData::type() {
+    const auto crash = vorla::crash::presentCrash();
+    return crash.type.empty() ? vorla::crash::latestCaught().type : std::string(crash.type);
+}
+
+std::string CvrCrashData::error() {
+    const auto crash = vorla::crash::presentCrash();
+    return crash.type.empty() ? vorla::crash::latestCaught().error : std::string(crash.error);
+}
+
+std::string CvrCrashData::crashlog() {
+    return std::string(vorla::crash::presentCrash().log);
+}
+
+std::string CvrCrashData::crashStack() {
+    const auto crash = vorla::crash::presentCrash();
+    return crash.type.empty() ? vorla::crash::latestCaught().stack : std::string(crash.callStack);
 }
 
 void CvrCrashData::putScene(const std::string& key, const std::string& value) {

@@ -30,6 +30,13 @@ class CvrCrashData {
     /// The same under "C04_" without the limits on length and number.
     void addSdkSceneValue(const std::string& value, const std::string& forKey);
 
+    /// The crash that is under way, for the host's function, or else the latest caught error: type,
+    /// reason, report (none for a caught error) and stack. Empty texts when there is neither.
+    [[nodiscard]] static std::string type();
+    [[nodiscard]] static std::string error();
+    [[nodiscard]] static std::string crashlog();
+    [[nodiscard]] static std::string crashStack();
+
  private:
     CvrCrashData();
     template <typename T>

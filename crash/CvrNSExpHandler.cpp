@@ -6,24 +6,17 @@
 #include <array>
 #include <cstring>
 #include <exception>
-#include <memory>
 #include <string>
 
 #include "crash/CvrLog.h"
 #include "crash/CvrSigHandler.h"
+#include "crash/handler/Demangled.h"
 #include "crash/handler/NotedException.h"
 #include "crash/handler/StackWalker.h"
 
 namespace {
 
 std::terminate_handler oldhandler = nullptr;
-
-std::string demangled(const char* name) {
-    int status = 0;
-    const std::unique_ptr<char, vorla::FreeDeleter> text(
-        abi::__cxa_demangle(name, nullptr, nullptr, &status));
-    return status == 0 && text ? text.get() : name;
-}
 
 /// What the exception has to say; its text may be anything, but it ends somewhere.
 std::string reasonOfPresentException() {
@@ -61,7 +54,7 @@ void cvr_objc_uncaught_handler() {
     std::array<vorla::crash::StackEntry, vorla::crash::mostFrames> stack;
     const size_t count = vorla::crash::walkOwnStack(stack);
     if (const std::type_info* const type = abi::__cxa_current_exception_type()) {
-        const std::string name = demangled(type->name());
+        const std::string name = vorla::crash::demangled(type->name());
         const std::string reason = reasonOfPresentException();
         CvrLogInfo("<INFO> CVR: Catch uncaught exception:\n\n%s %s \n %zu frames\n", name.c_str(),
                    reason.c_str(), count);

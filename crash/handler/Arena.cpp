@@ -16,6 +16,11 @@ bool Arena::reserve(size_t size) {
     return true;
 }
 
+void Arena::discard() {
+    if (memory_) ::madvise(memory_, size_, MADV_DONTNEED);
+    used_ = 0;
+}
+
 void* Arena::take(size_t size) {
     constexpr size_t alignment = 16;
     if (size > left()) return nullptr;

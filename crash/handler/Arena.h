@@ -32,6 +32,8 @@ class Arena {
     std::string_view keep(std::string_view text);
 
     [[nodiscard]] size_t left() const { return size_ - used_; }
+    /// Has the system take the pages back; what was taken is gone. Not after a fault.
+    void discard();
     /// Returns what was taken after `used` said so.
     void rewind(size_t used) { used_ = used; }
     [[nodiscard]] size_t used() const { return used_; }

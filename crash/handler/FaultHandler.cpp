@@ -203,7 +203,7 @@ void blockOtherSignals() {
 void handle(int signal, siginfo_t* info, ucontext_t* context, int count) {
     if (count > 2) return;
     const HandlerGuard guard(signal);
-    publishedStateInUse = true;
+    ++publishedStateUsers;
     blockOtherSignals();
     releaseDescriptors();
     const Preparation* const prepared = preparation.get();
@@ -281,7 +281,6 @@ bool setSignalHandlers() {
     }
     handlingThread = 0;
     crashOver = false;
-    publishedStateInUse = false;
     installed = true;
     return true;
 }

@@ -79,7 +79,7 @@ void searchTable(const SymbolTable& table, uint64_t wanted, const Elf64_Sym*& be
         const auto type = ELF64_ST_TYPE(symbol.st_info);
         if ((type != STT_FUNC && type != STT_GNU_IFUNC) || symbol.st_shndx == SHN_UNDEF) continue;
         if (symbol.st_value > wanted || symbol.st_name >= table.namesSize) continue;
-        if (symbol.st_size != 0 && wanted - symbol.st_value >= symbol.st_size) continue;
+        if (wanted - symbol.st_value >= std::max<uint64_t>(symbol.st_size, 1)) continue;
         if (!best || symbol.st_value > best->st_value) best = &symbol;
     }
 }

@@ -115,6 +115,8 @@ bool ThreadStopper::callInHandler(void (*work)(void*, ucontext_t&), void* argume
     meeting.work = work;
     meeting.argument = argument;
     ask(::gettid());
+    uint32_t expected = asked;
+    meeting.state.compare_exchange_strong(expected, idle);
     return std::exchange(meeting.work, nullptr) == nullptr;
 }
 

@@ -8,7 +8,12 @@
 #include <csignal>
 #include <filesystem>
 #include <regex>
+#include <stdexcept>
+#include <thread>
 
+#include "crash/CaughtError.h"
+#include "crash/CvrCrashData.h"
+#include "crash/CvrCrashHandler.h"
 #include "crash/facts/CvrModelBase.h"
 #include "crash/store/CvrFilePersistHandler.h"
 #include "tests/support/TemporaryFolder.h"
@@ -90,7 +95,16 @@ std::ostream& operator<<(std::ostream& to, const Row& row) {
     return to << row.arguments;
 }
 
-class Crashes : public testing::TestWithParam<Row> {};
+/// Sanitizers bring an allocator, signal handlers and stacks of their own: there the child's death
+/// shows theirs.
+class RealDeaths : public testing::Test {
+ protected:
+    void SetUp() override {
+        if (VORLA_SANITIZED) GTEST_SKIP();
+    }
+};
+
+class Crashes : public RealDeaths, public testing::WithParamInterface<Row> {};
 
 TEST_P(Crashes, LeaveOneCompleteRecordWithTheTrueStack) {
     const Row& row = GetParam();
@@ -179,20 +193,20 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"abort callback-hangs", SIGABRT, "SIGABRT", "-6", none,
             "abort \\S*crashAbort\\S* main "}));
 
-TEST(CrashHandler, ShowsEveryThread) {
+TEST_F(RealDeaths, ShowsEveryThread) {
     const std::string report = Death("null threads loader-locked").report();
     const std::regex waiting(R"(Thread \d+: \n0 .* pause \+ \d+\n1 .*waitForEver)");
     EXPECT_EQ(std::distance(std::sregex_iterator(report.begin(), report.end(), waiting), {}), 50);
     EXPECT_THAT(report, HasSubstr(" dl_iterate_phdr + "));
 }
 
-TEST(CrashHandler, LeavesTheFaultToTheEarlierHandlerAsItWas) {
+TEST_F(RealDeaths, LeavesTheFaultToTheEarlierHandlerAsItWas) {
     const Death death("null earlier-handler");
     EXPECT_EQ(death.exitStatus(), 42);
     EXPECT_EQ(death.records.size(), 1U);
 }
 
-TEST(CrashHandler, TriesOnceMoreWhenItsOwnWorkFaults) {
+TEST_F(RealDeaths, TriesOnceMoreWhenItsOwnWorkFaults) {
     const Death death("abort callback-faults");
     EXPECT_EQ(death.signal(), SIGSEGV);
     EXPECT_EQ(death.recordFiles, 1U);
@@ -201,7 +215,7 @@ TEST(CrashHandler, TriesOnceMoreWhenItsOwnWorkFaults) {
     EXPECT_THAT(death.report(), HasSubstr("Last Exception :\nException Type: SIGABRT\n"));
 }
 
-TEST(CrashHandler, StoresWhatTheHostsFunctionTells) {
+TEST_F(RealDeaths, StoresWhatTheHostsFunctionTells) {
     // This function does take memory, at its own risk.
     const Death death("null callback-tells", nullptr, "");
     EXPECT_EQ(death.recordFiles, 1U);
@@ -209,14 +223,47 @@ TEST(CrashHandler, StoresWhatTheHostsFunctionTells) {
     EXPECT_EQ(death.records[0].valueMap.at("attachDatas"), "told");
 }
 
-TEST(CrashHandler, ReportsAForkedChildWithoutTouchingTheParentsFiles) {
+TEST_F(RealDeaths, ReportsAForkedChildWithoutTouchingTheParentsFiles) {
     const Death death("null fork");
     EXPECT_EQ(death.exitStatus(), SIGSEGV);
     EXPECT_EQ(death.records.size(), 1U);
     EXPECT_FALSE(fs::exists(death.store() + "/.cvrios.plist"));
 }
 
-TEST(CrashHandler, LeavesNoHalfRecord) {
+TEST(CaughtErrors, LeaveARecordAndLetTheProcessLive) {
+    const vorla::test::TemporaryFolder folder;
+    CvrPreparedCrash state;
+    state.folder = folder.path();
+    state.crashMetaFile = folder / ".crash_meta.data";
+    CvrCrashHandler::sharedInstance().prepare(state);
+    CvrCrashHandler::sharedInstance().installHandler();
+    std::atomic<bool> done = false;
+    std::vector<std::jthread> busy;
+    for (int i = 0; i < 4; ++i)
+        busy.emplace_back([&] {
+            while (!done) CvrCrashData::sharedInstance().setScene(1);
+        });
+    for (int i = 0; i < 20; ++i)
+        EXPECT_TRUE(CaughtError(std::out_of_range("too far"), "while counting").throwException());
+    EXPECT_TRUE(CaughtError("Error", "reason", "the host's stack", "").throwException());
+    done = true;
+    busy.clear();
+    CvrCrashHandler::sharedInstance().uninstallHandler();
+    CvrModelBase model(folder.path(), [] { return int64_t{1}; });
+    CvrFilePersistHandler files(folder.path(), model);
+    files.loadAllDatas();
+    const auto records = files.getAllCrashed(100);
+    ASSERT_EQ(records.size(), 2U);
+    const auto& caught = records[records[0].exceptionType == "Error" ? 1 : 0];
+    EXPECT_EQ(caught.exceptionType, "std::out_of_range");
+    EXPECT_EQ(caught.causedBy, "too far\t***[Message: while counting]");
+    EXPECT_THAT(caught.callStack, HasSubstr("LeaveARecord"));
+    EXPECT_THAT(caught.attachmentList, IsEmpty());
+    EXPECT_EQ(CvrCrashData::type(), "Error");
+    EXPECT_EQ(CvrCrashData::crashStack(), "the host's stack");
+}
+
+TEST_F(RealDeaths, LeavesNoHalfRecord) {
     for (const char* const arguments : {"blocked", "null no-room", "null only-elsewhere"}) {
         const Death death(arguments);
         EXPECT_EQ(death.signal(), SIGSEGV) << arguments;
@@ -225,7 +272,7 @@ TEST(CrashHandler, LeavesNoHalfRecord) {
     }
 }
 
-TEST(CrashHandler, MergesRepeatedCrashesOfOneHash) {
+TEST_F(RealDeaths, MergesRepeatedCrashesOfOneHash) {
     // Without randomised addresses two runs have one layout.
     const Death first("null merge");
     const Death second("null merge", &first);

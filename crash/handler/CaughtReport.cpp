@@ -1,0 +1,93 @@
+#include "crash/handler/CaughtReport.h"
+
+#include <array>
+#include <ctime>
+#include <mutex>
+
+#include "crash/handler/CrashKeeper.h"
+#include "crash/handler/FaultHandler.h"
+#include "crash/handler/ThreadStopper.h"
+#include "platform/base/raii.h"
+
+namespace vorla::crash {
+namespace {
+
+constexpr size_t arenaSize = size_t{24} << 20;
+constexpr size_t largestStack = size_t{256} << 10;
+
+struct Reporting {
+    std::mutex mutex;
+    Arena arena;
+    LatestCaught latest;
+};
+
+struct StateInUse {
+    StateInUse() { ++publishedStateUsers; }
+    ~StateInUse() { --publishedStateUsers; }
+    StateInUse(const StateInUse&) = delete;
+    StateInUse& operator=(const StateInUse&) = delete;
+};
+
+Reporting& reporting() {
+    static NoDestructor<Reporting> instance;
+    return *instance;
+}
+
+void collectOwnAndOthers(CollectedCrash& crash, bool others) {
+    std::array<StackEntry, mostFrames> stack;
+    const size_t count = walkOwnStack(stack);
+    crash.addExceptionStack(std::span(stack).first(count));
+    if (!others || !areSignalHandlersSet()) return;
+    ThreadStopper().callInHandler(
+        [](void* argument, ucontext_t& context) {
+            static_cast<CollectedCrash*>(argument)->collectThreads(Registers(context), context,
+                                                                   false);
+        },
+        &crash);
+}
+
+}  // namespace
+
+bool reportCaught(const CaughtFacts& caught) {
+    Reporting& state = reporting();
+    const std::lock_guard lock(state.mutex);
+    const StateInUse inUse;
+    const CvrPreparedCrash* const prepared = sessionState().prepared.get();
+    if (!prepared || !state.arena.reserve(arenaSize)) return false;
+    const InstalledImages installed;
+    const LocalTime localTime(::time(nullptr));
+    state.arena.rewind(0);
+    CollectedCrash crash(installed, state.arena, sessionState().needSymbol,
+                         sessionState().needSymbol || sessionState().hasProcName);
+    collectOwnAndOthers(crash, caught.threads);
+
+    TextBuffer stack(state.arena.takeSpan<char>(largestStack));
+    if (caught.stack.empty())
+        writeStack(crash.exceptionStack(), stack);
+    else
+        stack.text(caught.stack);
+    CrashEvent event;
+    event.time = wallClockMilliseconds();
+    event.handler = "Caught Error Handler";
+    event.type = caught.type;
+    event.error = caught.error;
+    CrashFacts facts;
+    facts.event = &event;
+    facts.crash = &crash;
+    facts.prepared = prepared;
+    facts.localTime = &localTime;
+    facts.callStack = stack.view();
+    state.latest = {std::string(caught.type), std::string(caught.error), std::string(stack.view())};
+    KeptRecord record;
+    keepCrash(facts, false, record, state.arena);
+    state.arena.discard();
+    return record.hash.length() > 0;
+}
+
+LatestCaught latestCaught() {
+    Reporting& state = reporting();
+    const std::lock_guard lock(state.mutex);
+    return state.latest;
+}
+
+}  // namespace vorla::crash
