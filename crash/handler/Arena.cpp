@@ -11,6 +11,8 @@ bool Arena::reserve(size_t size) {
     void* const memory = ::mmap(nullptr, size, PROT_READ | PROT_WRITE,
                                 MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     if (memory == MAP_FAILED) return false;
+    // Nothing in it helps whoever reads a core dump.
+    ::madvise(memory, size, MADV_DONTDUMP);
     memory_ = static_cast<uint8_t*>(memory);
     size_ = size;
     return true;

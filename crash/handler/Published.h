@@ -2,6 +2,8 @@
 
 #include <atomic>
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace vorla::crash {
 
@@ -19,8 +21,8 @@ class Published {
  public:
     /// Publishers exclude one another themselves.
     void publish(std::unique_ptr<const T> next) {
-        std::unique_ptr<const T> old(state_.exchange(next.release()));
-        if (publishedStateUsers.load() > 0) (void)old.release();
+        replaced_.emplace_back(state_.exchange(next.release()));
+        if (publishedStateUsers.load() == 0) replaced_.clear();
     }
     void publish(T next) { publish(std::make_unique<const T>(std::move(next))); }
 
@@ -30,6 +32,7 @@ class Published {
 
  private:
     std::atomic<const T*> state_{nullptr};
+    std::vector<std::unique_ptr<const T>> replaced_;
 };
 
 }  // namespace vorla::crash

@@ -19,7 +19,7 @@
 
 // The functions that fault are kept whole and out of line, so that a report shows them: the place
 // of the fault, its caller, and main.
-#define FAULT_SITE [[gnu::noinline, gnu::noclone]]
+#define FAULT_SITE [[gnu::noinline, gnu::noclone, gnu::no_sanitize("undefined")]]
 
 namespace {
 
