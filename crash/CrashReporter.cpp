@@ -4,6 +4,7 @@
 #include <memory>
 #include <mutex>
 
+#include "crash/CaughtError.h"
 #include "crash/CvrCrashData.h"
 #include "crash/CvrCrashHandler.h"
 #include "crash/CvrLog.h"
@@ -192,6 +193,42 @@ std::string CrashReporter::sdkVersion() const {
 }
 std::string CrashReporter::deviceIdentifier() const {
     return model().facts().openudid;
+}
+
+void CrashReporter::reportException(const std::exception& exception, const std::string& message) {
+    if (!isInstalled()) {
+        CvrLogAlways("The sdk has not been initilized");
+        return;
+    }
+    const CaughtError error(exception, message);
+    error.throwException();
+    CvrLogInfo(
+        "<INFO> CVR: Report an NSException: \n {\n%s : %s \nRetrace Stack: \n%s \n"
+        "Trace Stack: \n%s \n}",
+        getCrashType().c_str(), getCurrentException().c_str(), getCrashStack().c_str(), "");
+}
+void CrashReporter::reportError(const std::string& error, const std::string& reason,
+                                const std::string& callStack, const std::string& threadScenes) {
+    if (!isInstalled()) {
+        CvrLogAlways("The sdk has not been initilized");
+        return;
+    }
+    CvrLogInfo("<INFO> CVR: Report an Error: \n { \n%s : %s \nTrace Stack: \n%s  \n}",
+               error.c_str(), reason.c_str(), callStack.c_str());
+    CaughtError(error, reason, callStack, threadScenes).throwException();
+}
+
+std::string CrashReporter::getCrashType() const {
+    return CvrCrashData::type();
+}
+std::string CrashReporter::getCurrentException() const {
+    return CvrCrashData::error();
+}
+std::string CrashReporter::getCrashStack() const {
+    return CvrCrashData::crashStack();
+}
+std::string CrashReporter::getCrashLog() const {
+    return CvrCrashData::crashlog();
 }
 
 void CrashReporter::applicationWillBecomeActive() {

@@ -81,6 +81,25 @@ class VL_EXPORT CrashReporter {
     /// How many crashes are stored. Looks at the disk.
     [[nodiscard]] size_t storedCrashCount() const;
 
+    /// Record something that the program has survived like a crash, with the stacks of all threads
+    /// and a message of the host; nothing is thrown. Each other thread is held still for less than
+    /// a millisecond.
+    void reportException(const std::exception& exception, const std::string& message);
+    /// The same for an error that is no exception. Empty `callStack` stands for the calling
+    /// thread's stack, empty `threadScenes` for those of all threads.
+    void reportError(const std::string& error, const std::string& reason,
+                     const std::string& callStack, const std::string& threadScenes);
+
+    // The crash under way, for `exp_call_back_func`; else the latest recorded error. Empty texts
+    // when there is none.
+
+    [[nodiscard]] std::string getCrashType() const;
+    /// What the exception says, or the name of the signal's code.
+    [[nodiscard]] std::string getCurrentException() const;
+    [[nodiscard]] std::string getCrashStack() const;
+    /// The whole report; empty for a recorded error.
+    [[nodiscard]] std::string getCrashLog() const;
+
     /// Whether the handlers are in place.
     bool checkSignalHandler();
     bool checkNSExceptionHandler();
