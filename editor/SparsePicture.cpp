@@ -2,6 +2,7 @@
 
 #include <sys/mman.h>
 
+#include <QPaintEngine>
 #include <QPainter>
 #include <algorithm>
 #include <cstring>
@@ -39,6 +40,55 @@ QImage lazyImage(int width, int height) {
     mapping.release();
     return image;
 }
+
+/// One premultiplied pixel over another, both halves of the pair of channels at a time.
+uint32_t over(uint32_t above, uint32_t below) {
+    const uint32_t keep = 255U - (above >> 24);
+    const auto scaled = [keep](uint32_t pair) {
+        const uint32_t product = (pair & 0x00ff00ffU) * keep + 0x00800080U;
+        return ((product + ((product >> 8) & 0x00ff00ffU)) >> 8) & 0x00ff00ffU;
+    };
+    return above + (scaled(below) | scaled(below >> 8) << 8);
+}
+
+/// Where a painter paints. Its own blending of pictures rounds in one way or another, as the region
+/// to be painted is simple or not: parts painted at different times would not match.
+class PixelTarget {
+ public:
+    explicit PixelTarget(QPainter& painter) : painter_(painter) {
+        auto* image = dynamic_cast<QImage*>(painter.paintEngine()->paintDevice());
+        const QTransform transform = painter.deviceTransform();
+        if (!image || image->depth() != 32 || transform.type() > QTransform::TxTranslate) return;
+        image_ = image;
+        origin_ = QPointF(transform.dx(), transform.dy()).toPoint();
+    }
+
+    void blend(const QImage& source, const QRect& part, QPoint at) const {
+        if (!image_) {
+            painter_.drawImage(at, source, part);
+            return;
+        }
+        const QRect place = QRect(at + origin_, part.size()) & image_->rect();
+        const QPoint shift = part.topLeft() - at - origin_;
+        for (int y = place.top(); y <= place.bottom(); ++y) {
+            const auto* from =
+                reinterpret_cast<const uint32_t*>(source.constScanLine(y + shift.y())) + shift.x();
+            auto* to = reinterpret_cast<uint32_t*>(image_->scanLine(y));
+            for (int x = place.left(); x <= place.right(); ++x) {
+                const uint32_t above = from[x];
+                if (above >= 0xff000000U)
+                    to[x] = above;
+                else if (above != 0)
+                    to[x] = over(above, to[x]);
+            }
+        }
+    }
+
+ private:
+    QPainter& painter_;
+    QImage* image_ = nullptr;
+    QPoint origin_;
+};
 
 QRect stripRect(size_t index, QSize size) {
     return QRect(static_cast<int>(index) * stripWidth, 0, stripWidth, size.height()) &
@@ -94,6 +144,7 @@ void SparsePicture::paint(const QRegion& region, const Draw& draw) {
 }
 
 void SparsePicture::drawTo(QPainter& painter, const QRegion& region) const {
+    const PixelTarget target(painter);
     for (size_t i = 0; i < strips_.size(); ++i) {
         const Strip& strip = strips_[i];
         if (strip.image.isNull()) continue;
@@ -106,7 +157,7 @@ void SparsePicture::drawTo(QPainter& painter, const QRegion& region) const {
                 if (!strip.painted[static_cast<size_t>(block)]) continue;
                 const QRect rows =
                     part & QRect(place.x(), block * blockRows, stripWidth, blockRows);
-                painter.drawImage(rows.topLeft(), strip.image, rows.translated(-place.topLeft()));
+                target.blend(strip.image, rows.translated(-place.topLeft()), rows.topLeft());
             }
         }
     }

@@ -27,7 +27,8 @@ class SparsePicture {
     /// Paints over what is there, inside the region only. `draw` runs once for each strip and must
     /// paint the same each time.
     void paint(const QRegion& region, const Draw& draw);
-    /// Blends the region's part onto a painter that has this picture's pixels as its units.
+    /// Blends the region's part onto a painter that has this picture's pixels as its units and is
+    /// allowed to paint there. The result for a pixel does not depend on the region.
     void drawTo(QPainter& painter, const QRegion& region) const;
 
  private:

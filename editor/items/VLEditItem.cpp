@@ -322,9 +322,11 @@ void VLEditItem::appendGraphRects(std::vector<VLRect>& rects) const {
 
 void VLEditItem::appendDecorationRects(std::vector<VLRect>& rects) const {
     const VLRect b = bounds();
-    for (const double x : {b.x, b.midX(), b.maxX()})
-        for (const double y : {b.y, b.midY(), b.maxY()})
-            if (x != b.midX() || y != b.midY()) rects.push_back(viewRectOfDot({x, y}));
+    for (int column = 0; column < 3; ++column)
+        for (int row = 0; row < 3; ++row)
+            if (column != 1 || row != 1)
+                rects.push_back(
+                    viewRectOfDot({b.x + b.width * column / 2, b.y + b.height * row / 2}));
 }
 
 VLRect VLEditItem::boundingRect() const {

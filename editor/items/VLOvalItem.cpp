@@ -53,9 +53,10 @@ VLOvalItem::Shape VLOvalItem::shape() const {
 }
 
 void VLOvalItem::drawGraph(QPainter& painter, const VLRect& /*dirtyRect*/) {
-    if (!normalStrokeColor().isValid()) return;
-    const QPen pen(normalStrokeColor(), normalStrokeWidth(), Qt::SolidLine, Qt::FlatCap,
-                   Qt::MiterJoin);
+    // A line of no width is nothing; the toolkit would draw a hairline.
+    if (!normalStrokeColor().isValid() || normalStrokeWidth() <= 0.0) return;
+    const QPen pen(normalStrokeColor(), normalStrokeWidth(), Qt::SolidLine, Qt::RoundCap,
+                   Qt::RoundJoin);
     switch (shape()) {
         case Shape::Bar: {
             QPainterPath bar;

@@ -42,7 +42,8 @@ void VLRoundRectItem::transformDidChange() {
 }
 
 void VLRoundRectItem::drawGraph(QPainter& painter, const VLRect& /*dirtyRect*/) {
-    if (path_.isEmpty() || !normalStrokeColor().isValid()) return;
+    // A line of no width is nothing; the toolkit would draw a hairline.
+    if (path_.isEmpty() || !normalStrokeColor().isValid() || normalStrokeWidth() <= 0.0) return;
     painter.save();
     painter.translate(center().x, center().y);
     painter.rotate(degrees());
