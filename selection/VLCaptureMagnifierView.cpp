@@ -1,9 +1,11 @@
 #include "selection/VLCaptureMagnifierView.h"
 
 #include <QPainter>
+#include <algorithm>
 #include <array>
 #include <cmath>
 
+#include "platform/base/Bundle.h"
 #include "platform/view/drawing.h"
 #include "theme/VLCaptureThemeManager.h"
 
@@ -20,6 +22,28 @@ QRectF painterRect(const VLRect& r) {
     return {r.x, r.y, r.width, r.height};
 }
 
+QString coordinatesText(VLPoint point) {
+    QString text =
+        QString::fromStdString(vorla::Bundle::framework().localizedString("坐标：(%d,%d)"));
+    for (const double value : {point.x, point.y})
+        if (const auto place = text.indexOf(u"%d"); place >= 0)
+            text.replace(place, 2, QString::number(static_cast<int>(value)));
+    return text;
+}
+
+/// One typeface for both lines: where the coordinates are written in Chinese, the Latin letters and
+/// digits are those of the Chinese font. Unhinted, which keeps weight and spacing even at this
+/// size.
+QFont lineFont() {
+    QFont font = VLThemedFont{QStringLiteral("Helvetica"), 11.0}.font();
+    const QString sample = coordinatesText({});
+    const bool isChinese =
+        std::ranges::any_of(sample, [](QChar c) { return c.script() == QChar::Script_Han; });
+    if (isChinese) font.setFamilies({font.families().last()});
+    font.setHintingPreference(QFont::PreferNoHinting);
+    return font;
+}
+
 /// The rectangle of a line of text, centred in the view's width.
 VLRect lineRect(const QString& text, const QFont& font, double y) {
     const VLSize size = vorla::textSize(text, font);
@@ -30,8 +54,7 @@ VLRect lineRect(const QString& text, const QFont& font, double y) {
 
 VLCaptureMagnifierView::VLCaptureMagnifierView(const QImage& screenImage, const VLRect& screenFrame,
                                                QWidget* superview)
-    : VLView({0.0, 0.0, MagnifierViewWidth, MagnifierViewHeight}, superview),
-      font_(VLThemedFont{QStringLiteral("Helvetica"), 11.0}.font()) {
+    : VLView({0.0, 0.0, MagnifierViewWidth, MagnifierViewHeight}, superview), font_(lineFont()) {
     // The pointer is beside the view and may pass through it when it is fast: it is the surface's.
     setAttribute(Qt::WA_TransparentForMouseEvents);
     configAppearanceAndLayout();
@@ -68,9 +91,7 @@ void VLCaptureMagnifierView::updateImageOrigin(VLPoint location) {
         location.y > screenFrame_.height)
         return;
     imageOrigin_ = location;
-    mouseInfoStr_ = QStringLiteral("坐标：(%1,%2)")
-                        .arg(static_cast<int>(location.x))
-                        .arg(static_cast<int>(location.y));
+    mouseInfoStr_ = coordinatesText(location);
     mouseInfoRect_ = lineRect(mouseInfoStr_, font_, mouseInfoY);
     const QColor color = getColorValueByPoint(location);
     colorInfoStr_ = QStringLiteral("RGB:") + color.name(QColor::HexRgb);
@@ -144,11 +165,15 @@ void VLCaptureMagnifierView::drawRect(QPainter& painter, const VLRect& /*dirtyRe
     vorla::drawImage(painter, screenImage_, imageArea, sourceRect(), vorla::Interpolation::None);
     painter.setRenderHint(QPainter::Antialiasing, false);
     if (magnifierCrossColor_.isValid()) {
-        const double middleY = imageArea.midY() - 0.5;
-        painter.fillRect(QRectF(imageArea.x, middleY - 0.5, imageArea.width, 1.0),
-                         magnifierCrossColor_);
-        painter.fillRect(QRectF(imageArea.midX() - 0.5, imageArea.y, 1.0, imageArea.height),
-                         magnifierCrossColor_);
+        const VLRect across{imageArea.x, imageArea.midY() - 1.0, imageArea.width, 1.0};
+        const VLRect upright{imageArea.midX() - 0.5, imageArea.y, 1.0, imageArea.height};
+        // A dark seam sets the cross off from a picture of its own tone.
+        painter.setClipRect(painterRect(imageArea));
+        for (const VLRect& line : {across.insetBy(0.0, -1.0), upright.insetBy(-1.0, 0.0)})
+            painter.fillRect(painterRect(line), QColor(0, 0, 0, 90));
+        for (const VLRect& line : {across, upright})
+            painter.fillRect(painterRect(line), magnifierCrossColor_);
+        painter.setClipping(false);
     }
     vorla::drawText(painter, mouseInfoStr_, font_, magnifierFontColor_, mouseInfoRect_.origin());
     vorla::drawText(painter, colorInfoStr_, font_, magnifierFontColor_, colorInfoRect_.origin());

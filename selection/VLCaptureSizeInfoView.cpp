@@ -85,11 +85,16 @@ void VLCaptureSizeInfoView::setSelectedRect(const VLRect& rect) {
 void VLCaptureSizeInfoView::drawRect(QPainter& painter, const VLRect& /*dirtyRect*/) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    const VLRect box = bounds().insetBy(1.0, 1.0);
+    // On whole device pixels: a half covered one at the edge would show as a pale rim.
+    const VLRect inside = bounds().insetBy(1.0, 1.0);
+    const QTransform toDevice = painter.deviceTransform();
+    const QRectF device = toDevice.mapRect(QRectF(inside.x, inside.y, inside.width, inside.height));
+    const QRectF whole(QPointF(std::ceil(device.left()), std::ceil(device.top())),
+                       QPointF(std::floor(device.right()), std::floor(device.bottom())));
+    const QRectF box = toDevice.inverted().mapRect(whole);
     for (const QColor& color : {borderColor_, backgroundColor_}) {
         if (!color.isValid()) continue;
         painter.setBrush(color);
-        painter.drawRoundedRect(QRectF(box.x, box.y, box.width, box.height), cornerRadius,
-                                cornerRadius);
+        painter.drawRoundedRect(box, cornerRadius, cornerRadius);
     }
 }

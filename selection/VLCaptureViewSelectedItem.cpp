@@ -136,8 +136,20 @@ void VLCaptureViewSelectedItem::drawControlPoints(QPainter& painter) const {
                        : QPen(Qt::NoPen));
     painter.setBrush(controlPointFillColor.isValid() ? QBrush(controlPointFillColor)
                                                      : QBrush(Qt::NoBrush));
+    // Dots that would touch each other hide what is selected: then the middles go, then all.
+    const VLRect edge = pixelSelectedRectInWindow();
+    const double across = edge.width / controlPointSize.width;
+    const double upright = edge.height / controlPointSize.height;
+    const auto shows = [&](uint64_t type) {
+        if (type == VLControlPointTopMiddle || type == VLControlPointBottomMiddle)
+            return across >= 4.0 && upright >= 2.0;
+        if (type == VLControlPointLeftMiddle || type == VLControlPointRightMiddle)
+            return upright >= 4.0 && across >= 2.0;
+        return std::max(across, upright) >= 2.0;
+    };
     for (const VLControlPoint& point : pointsArray_)
-        painter.drawEllipse(painterRect(VLCaptureUtilities::rectWithCenter(
-            point.point, controlPointSize.width, controlPointSize.height)));
+        if (shows(point.type))
+            painter.drawEllipse(painterRect(VLCaptureUtilities::rectWithCenter(
+                point.point, controlPointSize.width, controlPointSize.height)));
     painter.restore();
 }
