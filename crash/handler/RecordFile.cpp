@@ -8,50 +8,12 @@
 
 #include <cerrno>
 
-#include "crash/archive/ArchiveReader.h"
+#include "crash/handler/ArchiveFields.h"
 
 namespace vorla::crash {
 namespace {
 
-using Kind = ArchiveReader::Kind;
-
 constexpr size_t largestIndex = size_t{1} << 20;
-constexpr size_t largestRecord = size_t{4} << 20;
-constexpr int64_t textAttachment = 11;
-constexpr std::string_view timesFile = "crash_times.log";
-
-std::string_view asText(std::span<const uint8_t> bytes) {
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
-/// Calls `visit(key, value bytes)` for the entries of a map; false when it is not sound.
-template <typename Visit>
-bool eachEntry(std::span<const uint8_t> map, Visit visit) {
-    if (!ArchiveReader::isWhole(map, Kind::Map)) return false;
-    ArchiveReader reader(map);
-    reader.next();
-    for (;;) {
-        const auto key = reader.next();
-        if (key.kind == Kind::End) return true;
-        const auto value = reader.takeValue();
-        if (key.kind != Kind::Text || !value) return false;
-        visit(key.text(), *value);
-    }
-}
-
-ArchiveReader::Item only(std::span<const uint8_t> value) {
-    return ArchiveReader(value).next();
-}
-
-void field(ArchiveWriter& writer, std::string_view name, std::string_view value) {
-    writer.text(name);
-    writer.text(value);
-}
-
-void number(ArchiveWriter& writer, std::string_view name, int64_t value) {
-    writer.text(name);
-    writer.integer(value);
-}
 
 void millionths(ArchiveWriter& writer, std::string_view name, int64_t value) {
     ShortText<32> text;
@@ -80,18 +42,6 @@ bool isForeground(const CvrPreparedCrash& prepared) {
 /// A path's last part as a C string, which it is anyway.
 const char* nameOf(const std::string& path) {
     return lastPathPart(path).data();
-}
-
-/// Copies the entries of a map but those that `isReplaced` names, into a map that the caller ends.
-template <typename IsReplaced>
-bool copyMap(std::span<const uint8_t> map, NewFile& file, IsReplaced isReplaced) {
-    ArchiveWriter writer(NewFile::sink, &file);
-    writer.beginMap();
-    return eachEntry(map, [&](std::string_view key, std::span<const uint8_t> value) {
-        if (isReplaced(key, value)) return;
-        writer.text(key);
-        file.write(value.data(), value.size());
-    });
 }
 
 }  // namespace
@@ -303,100 +253,6 @@ void RecordFile::writeSession(ArchiveWriter& writer) {
             writer.text((*events)[i]);
     }
     if (!facts_->handlerEvent.empty()) writer.text(facts_->handlerEvent);
-    writer.end();
-    writer.end();
-}
-
-bool RecordFile::writeMerged(std::string_view meta) {
-    bool uplaoded = false;
-    eachEntry({reinterpret_cast<const uint8_t*>(meta.data()), meta.size()},
-              [&](std::string_view key, std::span<const uint8_t> value) {
-                  const auto item = only(value);
-                  if (key == "file" && item.bytes.size() < 60)
-                      fileName_.text(item.text()).text({"", 1});
-                  if (key == "uplaoded") uplaoded = item.number != 0;
-              });
-    if (fileName_.length() == 0 || fileName_.view().find('/') != std::string_view::npos) {
-        fileName_.clear();
-        return false;
-    }
-    const auto old = folder_->read(fileName_.view().data(), largestRecord, *arena_);
-    NewFile file(folder_->get(), *arena_);
-    ArchiveWriter writer(NewFile::sink, &file);
-    std::span<const uint8_t> attachments;
-    std::span<const uint8_t> values;
-    int64_t count = 0;
-    int64_t time = 0;
-    const auto* const userMap = session().userMaps.get();
-    const bool sound = copyMap(old, file, [&](std::string_view key, auto value) {
-        if (key == "dcount") count = only(value).number;
-        if (key == "time") time = only(value).number;
-        if (key == "attachmentList") attachments = value;
-        if (key == "valueMap") values = value;
-        return key == "dcount" || key == "attachmentList" || key == "valueMap" || key == "expUid" ||
-               key == "crashType" || (key == "userMap" && userMap);
-    });
-    if (!sound) {
-        fileName_.clear();
-        return false;
-    }
-    number(writer, "dcount", count + 1);
-    field(writer, "crashType", "200");
-    field(writer, "expUid", facts_->expUid);
-    mergeAttachments(attachments, writer);
-    writer.text("valueMap");
-    if (!copyMap(values, file, [](auto, auto) { return false; })) writer.beginMap();
-    writeHostValues(writer);
-    writer.end();
-    if (userMap) {
-        writer.text("userMap");
-        writer.beginMap();
-        for (const auto& [key, value] : *userMap) field(writer, key, value);
-        writer.end();
-    }
-    writer.end();
-    return file.commit(fileName_.view().data(), NewFile::Existing::Replace) &&
-           addToIndex(time, true, uplaoded);
-}
-
-void RecordFile::mergeAttachments(std::span<const uint8_t> old, ArchiveWriter& writer) {
-    const auto room = arena_->takeSpan<char>(65536);
-    TextBuffer times(room);
-    writer.text("attachmentList");
-    writer.beginList();
-    ArchiveReader reader(old);
-    if (reader.next().kind == Kind::List) {
-        while (const auto attachment = reader.takeValue()) {
-            std::string_view name;
-            std::string_view data;
-            eachEntry(*attachment, [&](std::string_view key, std::span<const uint8_t> value) {
-                if (key == "fileName") name = only(value).text();
-                if (key == "data") data = only(value).text();
-            });
-            if (name == timesFile) {
-                times.text(data).text(";");
-                continue;
-            }
-            writer.beginMap();
-            eachEntry(*attachment, [&](std::string_view key, std::span<const uint8_t> value) {
-                const auto item = only(value);
-                writer.text(key);
-                if (item.kind == Kind::Bytes)
-                    writer.bytes(item.bytes);
-                else if (item.kind == Kind::Text)
-                    writer.text(item.text());
-                else
-                    writer.integer(item.number);
-            });
-            writer.end();
-        }
-    }
-    times.decimal(facts_->cashTime());
-    writer.beginMap();
-    number(writer, "type", textAttachment);
-    field(writer, "fileName", timesFile);
-    writer.text("data");
-    writer.bytes({reinterpret_cast<const uint8_t*>(times.view().data()), times.length()});
     writer.end();
     writer.end();
 }

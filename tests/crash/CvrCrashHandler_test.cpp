@@ -16,6 +16,7 @@
 #include "crash/CvrCrashHandler.h"
 #include "crash/facts/CvrModelBase.h"
 #include "crash/store/CvrFilePersistHandler.h"
+#include "platform/base/files.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace {
@@ -28,14 +29,16 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
 
-/// One run of crash_child in a store of its own, or in the one of an earlier run.
+/// One run of crash_child in a store of its own, in which `seed` is run before, or in the one of an
+/// earlier run.
 class Death {
  public:
     explicit Death(const std::string& arguments, const Death* earlier = nullptr,
-                   const std::string& loaded = VORLA_NO_ALLOCATION)
+                   const std::string& loaded = VORLA_NO_ALLOCATION, const std::string& seed = "")
         : folder_(earlier ? earlier->folder_ : std::make_shared<vorla::test::TemporaryFolder>()) {
         fs::create_directory(store());
         fs::permissions(store(), fs::perms::owner_all);
+        EXPECT_EQ(std::system(("cd " + store() + " && echo kept > ../victim; " + seed).c_str()), 0);
         const auto start = std::chrono::steady_clock::now();
         const std::string command = "LD_PRELOAD=" + loaded +
                                     " exec setarch -R timeout -s KILL 20 " VORLA_CRASH_CHILD " " +
@@ -47,7 +50,8 @@ class Death {
         for (const auto& entry : fs::directory_iterator(store())) {
             struct stat facts = {};
             ::lstat(entry.path().c_str(), &facts);
-            EXPECT_EQ(facts.st_mode, mode_t{S_IFREG | 0600}) << entry.path();
+            const bool ours = seed.empty() || isRecord(entry.path());
+            EXPECT_TRUE(!ours || facts.st_mode == (S_IFREG | 0600)) << entry.path();
             EXPECT_THAT(entry.path().filename().string(), Not(StartsWith(".tmp")));
             if (isRecord(entry.path())) ++recordFiles;
         }
@@ -269,6 +273,30 @@ TEST_F(RealDeaths, LeavesNoHalfRecord) {
         EXPECT_EQ(death.signal(), SIGSEGV) << arguments;
         EXPECT_EQ(death.recordFiles, 0U) << arguments;
         EXPECT_THAT(death.records, IsEmpty()) << arguments;
+    }
+}
+
+TEST_F(RealDeaths, TrustNothingThatLiesInTheStore) {
+    struct Seed {
+        const char* command;
+        size_t records;
+    };
+    for (const auto& [command, records] : {
+             Seed{"printf '\\277\\141a' > .crash_meta.data", 1},
+             Seed{"ln -s ../victim .crash_meta.data", 1},
+             Seed{"ln -s ../victim .cvrios.plist", 1},
+             Seed{"ln -s ../victim .lock", 1},
+             Seed{"mkfifo .crash_meta.data .lock", 1},
+             Seed{"truncate -s 1G .crash_meta.data", 1},
+             Seed{"mkdir .crash_meta.data .cvrios.plist", 1},
+             Seed{"chmod 777 .", 0},
+             Seed{"cd .. && mv store elsewhere && ln -s elsewhere store", 0},
+         }) {
+        const Death death("null merge", nullptr, VORLA_NO_ALLOCATION, command);
+        EXPECT_EQ(death.signal(), SIGSEGV) << command;
+        EXPECT_LT(death.seconds, 5) << command;
+        EXPECT_EQ(death.recordFiles, records) << command;
+        EXPECT_EQ(vorla::readFile(death.store() + "/../victim"), "kept\n") << command;
     }
 }
 
