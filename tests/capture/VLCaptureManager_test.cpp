@@ -300,8 +300,15 @@ TEST_F(Session, GoesOnWithoutPicturesWindowsOrALook) {
     EXPECT_EQ(log_.count("截图出现错误"), 1);  // nothing is selected
     pointer().key(Qt::Key_Escape);
     EXPECT_EQ(host_->cancelled, 1);
+    // A kept panel must not show the screen of the session before.
+    VLPrepareCapture();
+    start();
+    VLCancelCapture();
+    runPending();
     server_->setPicturesFail(true);
     start();
+    const QImage shown = panel()->screen()->grabWindow(panel()->winId()).toImage();
+    EXPECT_EQ(shown.pixelColor(600, 400), Qt::black);
     EXPECT_FALSE(controllers()[0]->captureViewController());
     pointer().drag({{10, 10}, {60, 60}});
     pointer().key(Qt::Key_Escape);
