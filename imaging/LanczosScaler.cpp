@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "imaging/ParallelWork.h"
+#include "platform/base/ParallelWork.h"
 
 namespace vorla {
 namespace {

@@ -15,8 +15,8 @@
 #include <utility>
 #include <vector>
 
-#include "imaging/ParallelWork.h"
 #include "imaging/png/PngChunk.h"
+#include "platform/base/ParallelWork.h"
 
 namespace vorla {
 namespace {

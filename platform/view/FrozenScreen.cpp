@@ -3,7 +3,9 @@
 #include <QPaintEngine>
 #include <QPainter>
 #include <algorithm>
+#include <thread>
 
+#include "platform/base/ParallelWork.h"
 #include "platform/view/dimming.h"
 
 namespace vorla {
@@ -33,12 +35,35 @@ Canvas canvasOf(const QPainter& painter) {
     return {image, QPointF(transform.dx(), transform.dy()).toPoint()};
 }
 
-void copyInto(QImage& target, QPoint at, const QImage& source, const QRect& rect,
+void copyRows(const PixelTarget& target, const QImage& source, const QRect& rect,
               const QColor& dim) {
     if (dim.isValid())
-        copyDimmed(source, rect, dim, target, at);
+        copyDimmed(source, rect, dim, target);
     else
-        copyPixels(source, rect, target, at);
+        copyPixels(source, rect, target);
+}
+
+/// Large pieces go to all processors: dimming a whole screen takes longer on one than all else that
+/// a session does until it is seen.
+void copyInto(QImage& image, QPoint at, const QImage& source, const QRect& rect,
+              const QColor& dim) {
+    constexpr int rowsAtATime = 64;
+    constexpr int worthSharing = 1 << 20;
+    const PixelTarget target(image, at);
+    if (rect.width() * rect.height() < worthSharing) {
+        copyRows(target, source, rect, dim);
+        return;
+    }
+    const int pieces = (rect.height() + rowsAtATime - 1) / rowsAtATime;
+    workInParallel(static_cast<size_t>(pieces),
+                   std::max(1U, std::thread::hardware_concurrency()) - 1,
+                   [&](unsigned /*worker*/, size_t piece) {
+                       const int skipped = static_cast<int>(piece) * rowsAtATime;
+                       const QRect rows(rect.x(), rect.y() + skipped, rect.width(),
+                                        std::min(rowsAtATime, rect.height() - skipped));
+                       copyRows({target.first + skipped * target.bytesPerLine, target.bytesPerLine},
+                                source, rows, dim);
+                   });
 }
 
 void drawInStrips(QPainter& painter, const QImage& source, const QRect& rect, const QColor& dim) {
@@ -65,7 +90,8 @@ void FrozenScreen::draw(QPainter& painter, const QRegion& devicePixels, const QC
             continue;
         }
         const QRect fits = rect.translated(canvas.origin) & canvas.image->rect();
-        copyInto(*canvas.image, fits.topLeft(), image_, fits.translated(-canvas.origin), dim);
+        if (!fits.isEmpty())
+            copyInto(*canvas.image, fits.topLeft(), image_, fits.translated(-canvas.origin), dim);
     }
 }
 

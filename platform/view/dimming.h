@@ -6,15 +6,27 @@
 
 namespace vorla {
 
+/// Where 32-bit pixels are written to: the first one, and the bytes from a row to the next.
+struct PixelTarget {
+    uchar* first = nullptr;
+    qsizetype bytesPerLine = 0;
+
+    PixelTarget(uchar* pixel, qsizetype lineBytes) : first(pixel), bytesPerLine(lineBytes) {}
+    /// The picture's pixel `at`.
+    explicit PixelTarget(QImage& image, QPoint at = {})
+        : first(image.bits() + at.y() * image.bytesPerLine() + at.x() * qsizetype{4}),
+          bytesPerLine(image.bytesPerLine()) {}
+};
+
 // Both copy a rectangle (device pixels, y downward, inside the source's bounds) of an opaque 32-bit
-// picture into another 32-bit picture, where its upper left corner comes to `at`. The rectangle
-// must fit into the target there. Without an alpha byte of their own, the pixels come out opaque.
+// picture to a target that it must fit into. Without an alpha byte of their own, the pixels come
+// out opaque. Any thread.
 
 /// The pixels blended with a translucent colour on the way: as fast as a plain copy, so that no
 /// dimmed twin of the screen has to be made and kept.
-void copyDimmed(const QImage& source, const QRect& rect, const QColor& color, QImage& target,
-                QPoint at = {});
+void copyDimmed(const QImage& source, const QRect& rect, const QColor& color,
+                const PixelTarget& target);
 /// The pixels as they are.
-void copyPixels(const QImage& source, const QRect& rect, QImage& target, QPoint at = {});
+void copyPixels(const QImage& source, const QRect& rect, const PixelTarget& target);
 
 }  // namespace vorla

@@ -17,7 +17,7 @@ TEST(Dimming, BlendsEveryPixelAsTheFormulaTells) {
         for (int width = 1; width <= 36; ++width) {
             QImage target(width, 3, QImage::Format_RGB32);
             target.fill(Qt::magenta);
-            vorla::copyDimmed(source, {1, 2, width, 3}, color, target);
+            vorla::copyDimmed(source, {1, 2, width, 3}, color, vorla::PixelTarget(target));
             for (int i = 0; i < width * 3; ++i) {
                 const QRgb from = source.pixel(1 + i % width, 2 + i / width);
                 const QRgb to = target.pixel(i % width, i / width);

@@ -1,4 +1,4 @@
-#include "imaging/ParallelWork.h"
+#include "platform/base/ParallelWork.h"
 
 #include <atomic>
 #include <condition_variable>
