@@ -17,7 +17,7 @@ using vorla::StoreFolder;
 
 constexpr size_t largestFile = size_t{1024} * 1024;
 /// As long as the thread that sets a value may be held up by another process.
-constexpr std::chrono::milliseconds longestWait(50);
+constexpr std::chrono::milliseconds longestWait(200);
 /// From 1970 to the date that session identifiers count from, 2001.
 constexpr int64_t referenceDate = 978307200;
 

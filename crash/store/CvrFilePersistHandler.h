@@ -16,8 +16,8 @@
 ///
 /// Several processes of one host may use a folder at once: whatever depends on the index or the
 /// user records takes them from disk first, and changes are made under a lock on the folder. What
-/// cannot be read counts as absent. Any thread; may wait for the disk and, a fifth of a second at
-/// most, for another process.
+/// cannot be read counts as absent. Any thread; may wait for the disk and, a second at most, for
+/// another process, which is no longer waited for then.
 class CvrFilePersistHandler {
  public:
     static CvrFilePersistHandler& sharedInstance();

@@ -9,6 +9,7 @@ namespace {
 
 using Archives = std::vector<std::vector<uint8_t>>;
 
+constexpr std::chrono::milliseconds longestWait(1000);
 constexpr size_t largestFile = size_t{1024} * 1024;
 /// A day leaves few. More than these are not kept, the oldest go.
 constexpr size_t mostRecords = 1000;
@@ -118,7 +119,7 @@ void CvrFilePersistHandler::persistAllUserInfoDatas() {
         if (!userinfoChanged_) return;
         const auto folder = openFolder();
         if (!folder) return;
-        const auto lock = folder->lock(std::chrono::milliseconds(200));
+        const auto lock = folder->lock(longestWait);
         mergeUserInfosLocked(*folder);
         if (!folder->write(userInfoName, archived(allUserInfos_))) return;
         CvrLogInfo("<INFO> CVR: Persist userinfo data with count %d",

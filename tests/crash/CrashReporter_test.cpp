@@ -45,6 +45,9 @@ class Server {
     std::string url_;
 };
 
+/// The store has been read; at the first start, what is older than it is removed.
+constexpr const char* loaded = "wait=userinfo";
+
 class CrashReporterRun : public testing::Test {
  protected:
     struct Ended {
@@ -65,15 +68,25 @@ class CrashReporterRun : public testing::Test {
         return CvrFilePersistHandler(store, model).storedCrashCount();
     }
 
+    /// A program that has run before, and left a crash.
+    void leaveCrash() {
+        EXPECT_EQ(host({"start", loaded, "exit"}).status, 0);
+        CvrModelBase model(store, [] { return int64_t{1}; });
+        CvrExpObj crash;
+        crash.hash = "A";
+        ASSERT_TRUE(CvrFilePersistHandler(store, model).saveOneCrash(crash));
+    }
+    /// The sanitizers' own handlers stand in the way of ours.
+    static bool catchesCrashes() { return VORLA_CATCHES_CRASHES != 0; }
+
     TemporaryFolder folder;
     const std::string store = folder / ".cvr/crash_host";
 };
 
-/// The store has been read; at the first start, what is older than it is removed.
-constexpr const char* loaded = "wait=userinfo";
 constexpr const char* sent = "wait=SUCC finish crash uploading";
 
 TEST_F(CrashReporterRun, SendsACrashOnceAtTheNextStart) {
+    if (!catchesCrashes()) GTEST_SKIP();
     EXPECT_EQ(host({"start", loaded, "crash=null"}).status, -SIGSEGV);
     ASSERT_EQ(stored(), 1U);
     Server server({"--server-time", "99"});
@@ -101,6 +114,7 @@ TEST_F(CrashReporterRun, SendsACrashOnceAtTheNextStart) {
 }
 
 TEST_F(CrashReporterRun, SendsNothingWithoutAnAddress) {
+    if (!catchesCrashes()) GTEST_SKIP();
     EXPECT_EQ(host({"start", loaded, "crash=abort"}).status, -SIGABRT);
     const auto next = host({"start", loaded, "sleep=300", "stored", "exit"});
     EXPECT_THAT(next.lines, Contains("stored 1"));
@@ -111,6 +125,7 @@ TEST_F(CrashReporterRun, SendsNothingWithoutAnAddress) {
 }
 
 TEST_F(CrashReporterRun, MergesEqualCrashes) {
+    if (!catchesCrashes()) GTEST_SKIP();
     for (int i = 0; i < 3; ++i)
         EXPECT_EQ(host({"merge", "start", loaded, "crash=null"}).status, -SIGSEGV);
     EXPECT_EQ(stored(), 1U);
@@ -125,7 +140,7 @@ TEST_F(CrashReporterRun, MergesEqualCrashes) {
 }
 
 TEST_F(CrashReporterRun, SurvivesAnyServer) {
-    EXPECT_EQ(host({"start", loaded, "crash=null"}).status, -SIGSEGV);
+    leaveCrash();
     const std::string failed = "wait=CrashUploadHandler failed";
     for (const char* kind : {"garbage", "deep", "wrong-type", "empty", "no-length", "endless",
                              "headers", "close", "cut", "redirect", "not-http"}) {
@@ -143,14 +158,16 @@ TEST_F(CrashReporterRun, SurvivesAnyServer) {
     // A strategy that cannot be read: the last one stays, which is none here.
     for (const char* kind : {"wrong-key", "not-zipped", "inner-bomb", "no-enable"}) {
         Server server({"--reply", kind, "--strategy", R"({"enable": false})"});
-        const auto ended = host({"url=" + server.url(), "start", sent, "sleep=50", "crash=null"});
-        EXPECT_EQ(ended.status, -SIGSEGV) << kind;
-        EXPECT_EQ(stored(), 1U) << kind;
+        leaveCrash();
+        const auto ended = host({"url=" + server.url(), "start", sent, "sleep=50", "exit"});
+        EXPECT_EQ(ended.status, 0) << kind;
+        for (const std::string& line : ended.lines)
+            EXPECT_THAT(line, Not(HasSubstr("module is disable"))) << kind;
     }
 }
 
 TEST_F(CrashReporterRun, ExitsAtAnyMomentWithARequestUnderWay) {
-    EXPECT_EQ(host({"start", loaded, "crash=null"}).status, -SIGSEGV);
+    leaveCrash();
     Server server({"--reply", "silent"});
     for (const char* moment : {"sleep=0", "sleep=1", "sleep=5", "sleep=30", "wait=with 530"})
         for (const char* end : {"exit", "quick"})
@@ -159,6 +176,7 @@ TEST_F(CrashReporterRun, ExitsAtAnyMomentWithARequestUnderWay) {
 }
 
 TEST_F(CrashReporterRun, FollowsAStrategyThatClosesIt) {
+    if (!catchesCrashes()) GTEST_SKIP();
     Server server({"--strategy", R"({"enable": false, "encKey": "12345678", "encPubKey": ""})"});
     EXPECT_EQ(
         host({"url=" + server.url(), "start", "wait=crash module is disable", "crash=null"}).status,
