@@ -38,6 +38,7 @@ void collectOwnAndOthers(CollectedCrash& crash, bool others) {
     const size_t count = walkOwnStack(stack);
     crash.addExceptionStack(std::span(stack).first(count));
     if (!others || !areSignalHandlersSet()) return;
+    ThreadStopper::chooseSignal();
     ThreadStopper().callInHandler(
         [](void* argument, ucontext_t& context) {
             static_cast<CollectedCrash*>(argument)->collectThreads(Registers(context), context,

@@ -61,6 +61,14 @@ void holdStill(int, siginfo_t* info, void* context) {
     errno = before;
 }
 
+/// Whether nobody but us handles the signal.
+bool isFree(int signal) {
+    struct sigaction action {};
+    if (::sigaction(signal, nullptr, &action) != 0) return false;
+    return (action.sa_flags & SA_SIGINFO) != 0 ? action.sa_sigaction == holdStill
+                                               : action.sa_handler == SIG_DFL;
+}
+
 void ask(pid_t thread) {
     meeting.thread = thread;
     const int request = ++meeting.request;
@@ -84,11 +92,10 @@ int64_t monotonicMilliseconds() {
 }
 
 void ThreadStopper::chooseSignal() {
-    for (int signal = SIGRTMIN + 5; stopSignal == 0 && signal < SIGRTMAX; ++signal) {
-        struct sigaction action {};
-        if (::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_DFL)
-            stopSignal = signal;
-    }
+    if (stopSignal != 0 && isFree(stopSignal)) return;
+    stopSignal = 0;
+    for (int signal = SIGRTMIN + 5; stopSignal == 0 && signal < SIGRTMAX; ++signal)
+        if (isFree(signal)) stopSignal = signal;
 }
 
 ThreadStopper::ThreadStopper() {

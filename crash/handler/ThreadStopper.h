@@ -12,7 +12,7 @@ namespace vorla::crash {
 /// handler notes the thread's registers and waits. One at a time. May run after a fault.
 class ThreadStopper {
  public:
-    /// Takes over the signal. It is one that nobody else handles when this is first called.
+    /// Chooses a signal that nobody else handles; another one when the host has come to use it.
     static void chooseSignal();
 
     /// Sets the signal's handler; for good, as a thread may come upon the signal much later.
