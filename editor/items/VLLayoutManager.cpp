@@ -141,12 +141,17 @@ void VLLayoutManager::drawGlyphs(QPainter& painter, const VLRect& frame, const Q
 void VLLayoutManager::drawDocument(QPainter& painter, const QColor& color, const QRectF& dirtyRect,
                                    const QTextCursor& selection) const {
     QAbstractTextDocumentLayout::PaintContext context;
-    context.palette.setColor(QPalette::Text, color);
     context.clip = dirtyRect;
     if (selection.hasSelection()) {
-        QTextCharFormat format;
-        format.setBackground(QColor(64, 144, 255, 110));
-        context.selections.append({selection, format});
+        // The ground alone: the toolkit would draw selected text twice, which makes it bold.
+        QTextCharFormat ground;
+        ground.setBackground(QColor(64, 144, 255, 110));
+        ground.setForeground(Qt::transparent);
+        context.palette.setColor(QPalette::Text, Qt::transparent);
+        context.selections.append({selection, ground});
+        document_.documentLayout()->draw(&painter, context);
+        context.selections.clear();
     }
+    context.palette.setColor(QPalette::Text, color);
     document_.documentLayout()->draw(&painter, context);
 }
