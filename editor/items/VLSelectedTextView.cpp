@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "editor/items/VLLayoutManager.h"
+#include "platform/base/VLLog.h"
 #include "platform/view/VLView.h"
 
 VLSelectedTextView::VLSelectedTextView(std::shared_ptr<VLLayoutManager> layoutManager,
@@ -34,6 +35,7 @@ VLSelectedTextView::VLSelectedTextView(std::shared_ptr<VLLayoutManager> layoutMa
     setCursorWidth(0);  // the toolkit's caret has no colour
     setDocument(&layoutManager_->document());
     connect(this, &QTextEdit::cursorPositionChanged, this, [this] { restartCaret(); });
+    connect(this, &QTextEdit::selectionChanged, this, [this] { selectionDidChange(); });
     connect(document(), &QTextDocument::contentsChanged, this, [this] {
         if (onTextDidChange) onTextDidChange();
     });
@@ -90,6 +92,23 @@ void VLSelectedTextView::restartCaret() {
         caretBlink_.start(flashTime / 2);
     else
         caretBlink_.stop();
+}
+
+void VLSelectedTextView::selectionDidChange() {
+    const QTextCursor cursor = textCursor();
+    const int start = cursor.selectionStart();
+    const int length = cursor.selectionEnd() - start;
+    if (length == 0) lastAnchorPoint_ = start;
+    if (length > 0) {
+        if (lastAnchorPoint_ > start && lastAnchorPoint_ - start != length)
+            lastAnchorPoint_ = start == selectionStart_ ? start : start + length;
+        const bool grows = selectionLength_ < length;
+        const bool toTheRight = lastAnchorPoint_ == start;
+        VLLogTrace("Will select %s in overall %s selection", grows == toTheRight ? "right" : "left",
+                   toTheRight ? "right" : "left");
+    }
+    selectionStart_ = start;
+    selectionLength_ = length;
 }
 
 void VLSelectedTextView::paintEvent(QPaintEvent* event) {

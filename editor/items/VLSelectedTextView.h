@@ -32,8 +32,8 @@ class VLSelectedTextView : public QTextEdit {
     /// Called when the text, or a composition in it, has changed.
     std::function<void()> onTextDidChange;
 
-    /// Where the last empty selection was: the end of a selection that stays when it grows.
-    int lastAnchorPoint = 0;
+    /// The end of the selection that stays as it grows; with none, the caret.
+    [[nodiscard]] int lastAnchorPoint() const { return lastAnchorPoint_; }
 
  protected:
     void paintEvent(QPaintEvent* event) override;
@@ -49,12 +49,16 @@ class VLSelectedTextView : public QTextEdit {
  private:
     [[nodiscard]] QRectF caretRect() const;
     void restartCaret();
+    void selectionDidChange();
 
     std::shared_ptr<VLLayoutManager> layoutManager_;
     VLView& superview_;
     QColor color_;
     /// Where the document begins: widgets lie on whole units, the edit view need not.
     QPointF origin_;
+    int lastAnchorPoint_ = 0;
+    int selectionStart_ = 0;
+    int selectionLength_ = 0;
     QTimer caretBlink_;
     bool caretShown_ = false;
     /// An input method may draw a caret of its own, and asks for none then.

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QPainterPath>
 #include <cmath>
 
 #include "editor/items/MosaicPicture.h"
@@ -70,43 +69,6 @@ TEST_P(CurveItem, GrowsToTheSamePictureAsDrawnAtOnce) {
         for (int y = 0; y < expected.picture.height(); ++y)
             for (int x = 0; x < expected.picture.width(); ++x)
                 ASSERT_GE(qGreen(expected.picture.pixel(x, y)), 255 - 225 * 120 / 255 - 1);
-    }
-}
-
-/// Coverage is nearer to that of the outline drawn 8 times as large than the toolkit's own is.
-TEST_P(CurveItem, LooksLikeARoundStroke) {
-    constexpr int zoom = 8;
-    for (const double width : {1.0, 2.0, 4.0}) {
-        const auto item = makeStroke<VLCurveItem>(width, Qt::black, scribble(90));
-        QPainterPath path(QPointF(150 + 40, 90));
-        for (const auto& s : item->path().segments())
-            path.cubicTo(s.control1.x, s.control1.y, s.control2.x, s.control2.y, s.end.x, s.end.y);
-        const auto stroked = [&](double scale, bool smooth) {
-            Sheet sheet({300, 200}, scale);
-            QPainter painter(&sheet.picture);
-            painter.setRenderHint(QPainter::Antialiasing, smooth);
-            painter.translate(0, 200);
-            painter.scale(1, -1);
-            painter.strokePath(path,
-                               QPen(Qt::black, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-            return sheet.picture;
-        };
-        Sheet ours({300, 200}, GetParam());
-        ours.draw(*item);
-        const QImage theirs = stroked(GetParam(), true);
-        const QImage large = stroked(GetParam() * zoom, false);
-        double ourError = 0;
-        double theirError = 0;
-        for (int y = 0; y < theirs.height(); ++y)
-            for (int x = 0; x < theirs.width(); ++x) {
-                double exact = 0;
-                for (int i = 0; i < zoom * zoom; ++i)
-                    exact += qRed(large.pixel(x * zoom + i % zoom, y * zoom + i / zoom));
-                exact /= zoom * zoom;
-                ourError += std::abs(qRed(ours.picture.pixel(x, y)) - exact);
-                theirError += std::abs(qRed(theirs.pixel(x, y)) - exact);
-            }
-        EXPECT_LE(ourError, theirError) << width;
     }
 }
 
