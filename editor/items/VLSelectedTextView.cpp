@@ -6,7 +6,6 @@
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
-#include <QScrollBar>
 #include <QStyleHints>
 #include <QTextBlock>
 #include <QTextLayout>
