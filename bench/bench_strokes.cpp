@@ -12,7 +12,7 @@
 #include <cstring>
 #include <ctime>
 
-#include "bench/screens.h"
+#include "bench/png/screens.h"
 #include "editor/items/MosaicPicture.h"
 #include "editor/items/VLMosaicCurveItem.h"
 
