@@ -23,6 +23,8 @@ using vorla::WindowServer;
 
 namespace {
 
+constexpr std::chrono::milliseconds delayOfSwitch(200);
+
 std::function<void(int)>& panelsShownHandler() {
     static std::function<void(int)> handler;
     return handler;
@@ -90,8 +92,36 @@ bool VLCaptureManager::startCaptureByRequest(const std::shared_ptr<VLCaptureRequ
         VLLog("获取屏幕数:%zu", screens_.size());
         captureFrame({0.0, 0.0, screen.frame.width, screen.frame.height}, screen);
     }
+    if (request->showSwitch()) offerSwitch();
     addObserver();
     return true;
+}
+
+void VLCaptureManager::offerSwitch() {
+    std::vector<VLSwitchMangager::Screen> bars;
+    for (const auto& screen : WindowServer::shared()->displays())
+        bars.push_back({screen.frame.size(),
+                        [manager = weak_from_this(), displayID = screen.displayID]() -> VLPanel* {
+                            const auto self = manager.lock();
+                            return self ? self->panelOfDisplay(displayID) : nullptr;
+                        }});
+    switchManager_ = VLSwitchMangager::create(bars);
+    switchManager_->setDelegate(weak_from_this());
+    observers_.observe(VLNotificationSelectDidBegin,
+                       [this](const Notification&) { handleReceivedSelectDidBeginNotification(); });
+    vorla::MainQueue::postAfter(delayOfSwitch, [bar = std::weak_ptr(switchManager_)] {
+        if (const auto manager = bar.lock()) manager->show();
+    });
+}
+
+VLPanel* VLCaptureManager::panelOfDisplay(uint32_t displayID) const {
+    const auto found =
+        std::ranges::find(windowControllers_, displayID, &VLCaptureWindowController::displayID);
+    return found == windowControllers_.end() ? nullptr : (*found)->window();
+}
+
+void VLCaptureManager::handleReceivedSelectDidBeginNotification() {
+    if (switchManager_) switchManager_->hide();
 }
 
 void VLCaptureManager::captureFrame(const VLRect& /*frame*/, const vorla::Display& screen) {
@@ -170,6 +200,21 @@ void VLCaptureManager::captureDidCancel() {
     if (delegate) delegate->captureRequestDidCancel(*request_);
 }
 
+void VLCaptureManager::prepareToRecord() {
+    VLLog("<VLCaptureManager> %s", __func__);
+    NotificationCenter::defaultCenter().post(VLNotificationPrepareToRecord);
+}
+
+void VLCaptureManager::changeToRecord() {
+    const auto keptAlive = shared_from_this();
+    VLLog("<VLCaptureManager> %s", __func__);
+    // All is over by the time the host hears of it: it may start the next capture in the call.
+    const auto delegate = delegate_;
+    const auto request = request_;
+    clean();
+    if (delegate) delegate->captureRequestDidChange(*request);
+}
+
 void VLCaptureManager::handleCaptureCancelNotification(const Notification& notification) {
     VLLog("收到通知 %s，取消截屏", notification.name.c_str());
     captureDidCancel();
@@ -189,6 +234,7 @@ void VLCaptureManager::cleanCaptureWindow() {
         VLLog("关闭窗体%p", static_cast<void*>(controller->window()));
         controller->closeWindow();
     }
+    if (const auto manager = std::exchange(switchManager_, nullptr)) manager->hide();
     vorla::CursorStack::shared().clear();
     if (const auto server = WindowServer::shared()) server->releaseWindows();
 }

@@ -11,6 +11,7 @@
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/geometry.h"
 #include "platform/windowserver/WindowServer.h"
+#include "switch/VLSwitchMangager.h"
 
 class QByteArray;
 
@@ -18,8 +19,9 @@ class QByteArray;
 ///
 /// The process's instance is made at first use and dropped at the end of every session, so that
 /// each session runs on a fresh one. A session ends in exactly one way: cancelled, delivered to the
-/// pasteboard, or delivered to a file. Main thread.
+/// pasteboard, delivered to a file, or handed over to the host's recorder. Main thread.
 class VLCaptureManager : public VLCaptureWindowControllerDelegate,
+                         public VLSwitchMangagerDelegate,
                          public std::enable_shared_from_this<VLCaptureManager> {
  public:
     static std::shared_ptr<VLCaptureManager> sharedInstance();
@@ -40,6 +42,11 @@ class VLCaptureManager : public VLCaptureWindowControllerDelegate,
     void captureDidCancel() override;
     void captureDidFinishWithImage(const QImage& image, bool needSave,
                                    bool isHighResolution) override;
+
+    /// The user turns to the recorder: selections are cleared.
+    void prepareToRecord() override;
+    /// Ends the session and hands over to the host's recorder.
+    void changeToRecord() override;
 
     /// Closes all panels.
     void cleanCaptureWindow();
@@ -69,6 +76,10 @@ class VLCaptureManager : public VLCaptureWindowControllerDelegate,
     void openPanel(uint32_t displayID);
     void panelWasPainted();
     void addObserver();
+    /// Offers the recorder on every screen, once the panels had time to come up.
+    void offerSwitch();
+    [[nodiscard]] VLPanel* panelOfDisplay(uint32_t displayID) const;
+    void handleReceivedSelectDidBeginNotification();
     void handleCaptureCancelNotification(const vorla::Notification& notification);
     void handleScreenParametersNotification();
     /// Ends a session that the application's end overtakes, while its panels can still be closed.
@@ -79,6 +90,7 @@ class VLCaptureManager : public VLCaptureWindowControllerDelegate,
     std::shared_ptr<VLCaptureRequestDelegate> delegate_;
     std::vector<vorla::Display> screens_;  ///< still to be frozen
     std::vector<std::shared_ptr<VLCaptureWindowController>> windowControllers_;
+    std::shared_ptr<VLSwitchMangager> switchManager_;
     size_t screenCount_ = 0;
     size_t panelsAwaited_ = 0;
     vorla::NotificationObservers observers_;

@@ -18,7 +18,7 @@ namespace {
 using nlohmann::json;
 
 /// Square points; a drawing that claims more is broken and would only eat memory.
-constexpr double largestDrawing = 1 << 20;
+constexpr double largestDrawing = 1 << 21;
 
 QByteArray contents(const std::string& path) {
     QFile file(QFile::decodeName(path.c_str()));

@@ -1,9 +1,12 @@
 #include "HostWindow.h"
 
+#include <QMenuBar>
 #include <QVBoxLayout>
 
 HostWindow::HostWindow(std::function<void()> capture)
-    : view_(new QLabel(this)), message_(new QLabel(this)) {
+    : menu_(new QMenu(QStringLiteral("&Vorla"), this)),
+      view_(new QLabel(this)),
+      message_(new QLabel(this)) {
     setWindowTitle(QStringLiteral("Vorla sample host"));
     resize(520, 400);
     auto* button = new QPushButton(QStringLiteral("Capture"), this);
@@ -14,6 +17,9 @@ HostWindow::HostWindow(std::function<void()> capture)
     view_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
     message_->setAlignment(Qt::AlignCenter);
     auto* layout = new QVBoxLayout(this);
+    auto* menuBar = new QMenuBar(this);
+    menuBar->addMenu(menu_);
+    layout->setMenuBar(menuBar);
     layout->addWidget(view_, 1);
     layout->addWidget(message_);
     layout->addWidget(button);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QLabel>
+#include <QMenu>
 #include <QPushButton>
 #include <QWidget>
 #include <functional>
@@ -11,6 +12,8 @@ class HostWindow : public QWidget {
     explicit HostWindow(std::function<void()> capture);
 
     void showPicture(const QImage& picture, const QString& message);
+    /// The window's menu, also the tray's. The window owns it.
+    [[nodiscard]] QMenu* menu() const { return menu_; }
     void showMessage(const QString& message);
 
  protected:
@@ -20,6 +23,7 @@ class HostWindow : public QWidget {
     void fitPicture();
 
     QPixmap picture_;
+    QMenu* menu_;
     QLabel* view_;
     QLabel* message_;
 };

@@ -12,12 +12,14 @@
 #include <QStyle>
 #include <QSystemTrayIcon>
 #include <QTimer>
+#include <QWidgetAction>
 #include <cstdio>
 #include <memory>
 #include <optional>
 
 #include <vorla/CrashReporter.h>
 #include <vorla/VLCapture.h>
+#include <vorla/VLIntroduceManager.h>
 #include "CommandReader.h"
 #include "HostOptions.h"
 #include "HostWindow.h"
@@ -61,6 +63,7 @@ class Host : public VLCaptureRequestDelegate {
             report(QJsonObject{{"event", "crashes"}, {"stored", static_cast<qint64>(stored)}});
         VLPrepareCapture();
         if (!options_.once && !options_.background) {
+            fillMenu();
             window_.show();
             makeTrayEntry();
         }
@@ -141,14 +144,19 @@ class Host : public VLCaptureRequestDelegate {
                          qPrintable(file.errorString()));
     }
 
+    void fillMenu() {
+        QMenu* menu = window_.menu();
+        menu->addAction(QStringLiteral("Capture"), &window_, [this] { capture(); });
+        menu->addAction(QStringLiteral("Quit"), qApp, &QCoreApplication::quit);
+        menu->addSeparator();
+        menu->addAction(VLIntroduceManager::introduceMenuItem(menu));
+    }
+
     void makeTrayEntry() {
         if (!QSystemTrayIcon::isSystemTrayAvailable()) return;
         tray_ = std::make_unique<QSystemTrayIcon>(
             window_.style()->standardIcon(QStyle::SP_DesktopIcon));
-        trayMenu_ = std::make_unique<QMenu>();
-        trayMenu_->addAction(QStringLiteral("Capture"), &window_, [this] { capture(); });
-        trayMenu_->addAction(QStringLiteral("Quit"), qApp, &QCoreApplication::quit);
-        tray_->setContextMenu(trayMenu_.get());
+        tray_->setContextMenu(window_.menu());
         tray_->show();
     }
 
@@ -160,7 +168,6 @@ class Host : public VLCaptureRequestDelegate {
     HostWindow window_;
     std::shared_ptr<VLCaptureRequest> request_ = std::make_shared<VLCaptureRequest>();
     std::optional<CommandReader> commands_;
-    std::unique_ptr<QMenu> trayMenu_;
     std::unique_ptr<QSystemTrayIcon> tray_;
 };
 
