@@ -1,6 +1,7 @@
 #include "switch/VLIntroduceView.h"
 
 #include <vorla/VLInfo.h>
+#include <vorla/VLStatistics.h>
 
 #include <QApplication>
 #include <QCursor>
@@ -15,12 +16,6 @@
 #include "settings/StatisticDoor.h"
 #include "theme/HexColor.h"
 #include "theme/VLCaptureThemeManager.h"
-
-namespace {
-
-constexpr int eventIntroduction = 1026;
-
-}  // namespace
 
 VLIntroduceView::VLIntroduceView(const VLRect& frame)
     : VLView(frame),
@@ -84,7 +79,7 @@ void VLIntroduceView::mouseExited(const VLMouseEvent& /*event*/) {
 }
 
 void VLIntroduceView::mouseDown(const VLMouseEvent& /*event*/) {
-    vorla::fireStatisticEvent(eventIntroduction);
+    vorla::fireStatisticEvent(VLStatEventIntroduction);
 }
 
 void VLIntroduceView::mouseUp(const VLMouseEvent& /*event*/) {

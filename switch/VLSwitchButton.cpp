@@ -1,5 +1,7 @@
 #include "switch/VLSwitchButton.h"
 
+#include <vorla/VLStatistics.h>
+
 #include <QTimerEvent>
 #include <utility>
 
@@ -10,7 +12,6 @@
 
 namespace {
 
-constexpr int eventSwitch = 1027;
 constexpr VLSize spriteFrame{436.0, 72.0};
 constexpr int frameMilliseconds = 25;
 
@@ -75,7 +76,7 @@ void VLSwitchButton::drawRect(QPainter& painter, const VLRect& /*dirtyRect*/) {
 }
 
 void VLSwitchButton::mouseDown(const VLMouseEvent& /*event*/) {
-    vorla::fireStatisticEvent(eventSwitch);
+    vorla::fireStatisticEvent(VLStatEventSwitch);
     if (postedAction_) return;
     postedAction_ = true;
     const QPointer<VLSwitchButton> self = this;

@@ -1,6 +1,7 @@
 #include "switch/VLSwitchMangager.h"
 
 #include <gtest/gtest.h>
+#include <vorla/VLStatistics.h>
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -20,7 +21,7 @@ using vorla::test::waitUntil;
 class Switch : public testing::Test, public VLSwitchMangagerDelegate {
  protected:
     Switch() {
-        vorla::setStatisticReceiver([this](int event) { counted_ += event == 1027; });
+        vorla::setStatisticReceiver([this](int event) { counted_ += event == VLStatEventSwitch; });
         panel_->coverScreen(QGuiApplication::primaryScreen());
         panel_->makeKeyAndOrderFront();
     }
