@@ -244,6 +244,7 @@ void VLView::paintEvent(QPaintEvent* event) {
 }
 
 void VLView::mousePressEvent(QMouseEvent* event) {
+    const QPointer<VLView> self(this);  // what the event leads to may delete the view
     passedOn_ = event;
     if (event->button() == Qt::LeftButton) {
         window()->activateWindow();
@@ -253,7 +254,7 @@ void VLView::mousePressEvent(QMouseEvent* event) {
     } else {
         event->ignore();
     }
-    passedOn_ = nullptr;
+    if (self) passedOn_ = nullptr;
 }
 
 void VLView::mouseDoubleClickEvent(QMouseEvent* event) {
@@ -261,21 +262,23 @@ void VLView::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void VLView::mouseMoveEvent(QMouseEvent* event) {
+    const QPointer<VLView> self(this);  // what the event leads to may delete the view
     passedOn_ = event;
     if (event->buttons() & Qt::LeftButton)
         mouseDragged(vorla::mouseEvent(*event, *this, VLMouseEvent::Type::LeftMouseDragged));
     else
         mouseMoved(vorla::mouseEvent(*event, *this, VLMouseEvent::Type::MouseMoved));
-    passedOn_ = nullptr;
+    if (self) passedOn_ = nullptr;
 }
 
 void VLView::mouseReleaseEvent(QMouseEvent* event) {
+    const QPointer<VLView> self(this);  // what the event leads to may delete the view
     passedOn_ = event;
     if (event->button() == Qt::LeftButton)
         mouseUp(vorla::mouseEvent(*event, *this, VLMouseEvent::Type::LeftMouseUp));
     else
         event->ignore();
-    passedOn_ = nullptr;
+    if (self) passedOn_ = nullptr;
 }
 
 void VLView::enterEvent(QEnterEvent* event) {
