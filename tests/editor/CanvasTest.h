@@ -71,12 +71,13 @@ class Canvas : public testing::TestWithParam<double> {
     }
     /// That the screen shows the canvas like this. What is compared is what was drawn bit by bit;
     /// the screens here keep no more than one pixel a point of it.
-    void expectShown(const QImage& expected) const {
+    void expectShown(const QImage& expected, int tolerance = 0) const {
         vorla::test::runPending();
         if (scale() != 1.0) return;
         QImage image = panel_->screen()->grabWindow(panel_->winId()).toImage();
         image.convertTo(QImage::Format_RGB32);
-        EXPECT_EQ(image.copy(QRect(QPoint(20, 20), picture_.size())), expected);
+        const QImage canvas = image.copy(QRect(QPoint(20, 20), picture_.size()));
+        EXPECT_LE(vorla::test::largestDifference(canvas, expected), tolerance);
     }
     [[nodiscard]] QImage delivered() const {
         QImage image = controller_->imageEdited();
@@ -112,8 +113,8 @@ class Canvas : public testing::TestWithParam<double> {
         painter.drawImage(0, 0, others);
         return all;
     }
-    void expectDrawnAnew(const QImage& result) const {
-        EXPECT_LE(vorla::test::largestDifference(result, drawnAnew()), 1);
+    void expectDrawnAnew(const QImage& result, int tolerance = 1) const {
+        EXPECT_LE(vorla::test::largestDifference(result, drawnAnew()), tolerance);
     }
     void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
         QTest::keyClick(panel_->windowHandle(), key, modifiers);

@@ -231,12 +231,14 @@ TEST_P(Canvas, SurvivesRandomHands) {
             vorla::NotificationCenter::defaultCenter().post(VLCaptureNotificationForChangeTheme);
         },
     };
+    // The toolkit's edges vary a little with the part that is painted at a time.
+    constexpr int edgeNoise = 8;
     for (int step = length ? std::atoi(length) : 300; step > 0; --step) {
         hands[size_t(upTo(int(hands.size())))]();
         if (step % 25) continue;
         const QImage result = delivered();
-        expectDrawnAnew(result);
-        expectShown(result);
+        expectDrawnAnew(result, edgeNoise);
+        expectShown(result, edgeNoise);
         ASSERT_FALSE(HasFailure()) << "seed " << seed << ", " << step << " steps left";
     }
 }
