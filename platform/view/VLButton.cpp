@@ -71,7 +71,11 @@ void VLButton::setTitle(const QString& title) {
 }
 
 void VLButton::performClick() {
-    if (hears()) mouseUp({});
+    if (!hears()) return;
+    VLMouseEvent release;
+    release.type = VLMouseEvent::Type::LeftMouseUp;
+    release.locationInWindow = convertPointToWindow({bounds().midX(), bounds().midY()});
+    mouseUp(release);
 }
 
 void VLButton::mouseEntered(const VLMouseEvent& /*event*/) {

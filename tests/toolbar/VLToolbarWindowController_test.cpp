@@ -195,6 +195,11 @@ TEST_F(Toolbar, ButtonsHaveNamesAndCanBePressedByScreenReaders) {
         EXPECT_EQ(face->text(QAccessible::Name), button->toolTip());
         face->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
         EXPECT_EQ(view().graphTypeSelected(), button->type());
+        for (const auto* picker : popover().popoverView()->findChildren<QWidget*>())
+            if (dynamic_cast<const VLButton*>(picker) &&
+                picker->isVisibleTo(popover().popoverView())) {
+                EXPECT_FALSE(picker->accessibleName().isEmpty()) << button->type();
+            }
     }
 }
 

@@ -9,11 +9,13 @@
 
 void VLPopoverButton::setSelectedColor(const QColor& color) {
     selectedColor_ = color;
+    setAccessibleValue("Color", color.name());
     setNeedsDisplay();
 }
 
 void VLPopoverButton::setFontSize(uint64_t size) {
     fontSize_ = size;
+    setAccessibleValue("Font Size", QString::number(size));
     setNeedsDisplay();
 }
 

@@ -17,7 +17,7 @@ VLPopoverFontButton::VLPopoverFontButton(const VLRect& frame, uint64_t type, QWi
 void VLPopoverFontButton::setType(uint64_t type) {
     type_ = type;
     text_ = QString::fromStdString(labelOfButtonType(type));
-    setAccessibleName(text_);
+    setAccessibleValue("Font Size", text_);
     setNeedsDisplay();
 }
 

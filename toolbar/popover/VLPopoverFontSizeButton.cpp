@@ -8,7 +8,7 @@
 
 VLPopoverFontSizeButton::VLPopoverFontSizeButton(uint64_t fontSize, QWidget* superview)
     : VLPickerButton({0.0, 0.0, 64.0, 20.0}, superview), fontSize_(fontSize) {
-    setAccessibleName(QString::number(fontSize));
+    setAccessibleValue("Font Size", QString::number(fontSize));
 }
 
 void VLPopoverFontSizeButton::setIsBorder(bool value) {

@@ -14,6 +14,7 @@ VLPopoverFontSizeViewForIbis::VLPopoverFontSizeViewForIbis(QWidget* superview)
       fontSizeButton_(new VLPopoverButton({0.0, 10.0, 62.0, 20.0}, VLPopoverTypeFontSize, this)),
       pullDownArrowButton_(new VLPopoverButton({72.0, 17.0, 15.0, 8.0}, VLPopoverTypeNone, this)),
       fontSizeMenu_(new VLPopoverMenu) {
+    pullDownArrowButton_->setAccessibleValue("Font Size", {});
     for (VLPopoverButton* button : {fontSizeButton_, pullDownArrowButton_})
         button->action = [this](VLButton&) { showPopoverFontSizeMenu(); };
     for (const uint64_t size : {9, 10, 11, 12, 13, 14, 18, 24, 36, 48, 64, 72, 96}) {

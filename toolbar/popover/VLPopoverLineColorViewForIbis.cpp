@@ -25,12 +25,13 @@ VLPopoverLineColorViewForIbis::VLPopoverLineColorViewForIbis(QWidget* superview)
       colorButton_(new VLPopoverButton({0.0, 10.0, 62.0, 20.0}, VLPopoverTypeLineColor, this)),
       pullDownArrowButton_(new VLPopoverButton({72.0, 17.0, 15.0, 8.0}, VLPopoverTypeNone, this)),
       colorMenu_(new VLPopoverMenu) {
+    pullDownArrowButton_->setAccessibleValue("Color", {});
     for (VLPopoverButton* button : {colorButton_, pullDownArrowButton_})
         button->action = [this](VLButton&) { showPopoverColorMenu(); };
     for (const auto& [red, green, blue] : availableColors) {
         auto* item = new VLPopoverColorButton;
         item->setSelectedColor(QColor(red, green, blue));
-        item->setAccessibleName(item->selectedColor().name());
+        item->setAccessibleValue("Color", item->selectedColor().name());
         item->action = [this, item](VLButton&) { colorButtonDidClick(item); };
         colorMenu_->addItem(item);
         items_.push_back(item);

@@ -11,7 +11,7 @@ VLPopoverLineColorViewForTern::VLPopoverLineColorViewForTern(QWidget* superview)
     for (const QColor& color : availableColorArray()) {
         auto* button = new VLPopoverColorButtonForTern(this);
         button->action = [this, button](VLButton&) { onLineColorButtonClicked(button); };
-        button->setAccessibleName(color.name());
+        button->setAccessibleValue("Color", color.name());
         buttonArray_.push_back(button);
     }
     VLPopoverLineColorViewForTern::configAppearanceAndLayout();

@@ -75,6 +75,7 @@ void VLPopoverLineWidthView::configAppearanceAndLayout() {
         VLPopoverLineWidthButton* button = buttonArray_[i];
         button->setFrame(theme.themedFrameWithKey(keys.frame));
         button->setWidth(widthOfKey(keys.value));
+        button->setAccessibleValue("Line Width", QString::number(button->width()));
         button->setSelectedImage(theme.themedImageWithKey(keys.selectedImage, backingScale()));
         button->setNormalImage(theme.themedImageWithKey(keys.normalImage, backingScale()));
     }

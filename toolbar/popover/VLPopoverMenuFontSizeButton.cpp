@@ -15,7 +15,7 @@ VLPopoverMenuFontSizeButton::VLPopoverMenuFontSizeButton(const VLRect& frame, ui
       text_(QString::fromStdString(labelOfButtonType(type))),
       hoverFontColor_(hx_colorWithHexString(QStringLiteral("#09b807"))),
       fontColor_(hx_colorWithHexString(QStringLiteral("#ffffff"))) {
-    setAccessibleName(text_);
+    setAccessibleValue("Font Size", text_);
 }
 
 void VLPopoverMenuFontSizeButton::drawRect(QPainter& painter, const VLRect& /*dirtyRect*/) {
