@@ -1,7 +1,6 @@
 #include "toolbar/GlassView.h"
 
 #include <QPainter>
-#include <cmath>
 
 #include "platform/view/VLPanel.h"
 #include "platform/view/drawing.h"
@@ -43,6 +42,7 @@ void GlassView::makeGlass(const VLRect& place) {
     glass_ = vorla::frostedGlass(behind, place.offsetBy(-around.x, -around.y), blurRadius, tint_);
     if (glass_.isNull()) return;
     QPainter painter(&glass_);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
     painter.drawImage(QRectF(0.0, 0.0, place.width, place.height), mask_);
 }

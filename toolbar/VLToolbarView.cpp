@@ -98,6 +98,7 @@ void VLToolbarView::setupImageView() {
 }
 
 void VLToolbarView::configAppearanceAndLayout() {
+    // The view may not be on its screen yet: pictures are made for the sharpest one.
     const auto& theme = VLCaptureThemeManager::sharedInstance();
     const QColor color = theme.themedColorWithKey("VLToolbarView_BackgroundColor");
     const bool glass = theme.themedEnableWithKey("VLCaptureSizeInfoView_EnableGaussEffect");
@@ -105,9 +106,9 @@ void VLToolbarView::configAppearanceAndLayout() {
     gaussEffectView_->setTint(color);
     if (glass)
         gaussEffectView_->setMaskImage(
-            vorla::generateImageWithSize(bounds().size(), cornerRadius, backingScale()));
+            vorla::generateImageWithSize(bounds().size(), cornerRadius, qApp->devicePixelRatio()));
     setBackgroundColor(glass ? QColor() : color);
-    const QImage line = theme.themedImageWithKey("VLToolbarSeperateLine", backingScale());
+    const QImage line = theme.themedImageWithKey("VLToolbarSeperateLine");
     const QSizeF size = line.deviceIndependentSize();
     seperateImageView_->setFrameSize({size.width(), size.height()});
     seperateImageView_->setImage(line);

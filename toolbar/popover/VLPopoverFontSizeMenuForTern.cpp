@@ -1,5 +1,7 @@
 #include "toolbar/popover/VLPopoverFontSizeMenuForTern.h"
 
+#include <QApplication>
+
 #include "imaging/ImageHelpers.h"
 #include "platform/base/VLLog.h"
 #include "theme/VLCaptureThemeManager.h"
@@ -19,7 +21,8 @@ VLPopoverFontSizeMenuForTern::VLPopoverFontSizeMenuForTern() : VLPopoverMenuPane
 }
 
 void VLPopoverFontSizeMenuForTern::configAppearanceAndLayout() {
-    gaussEffectView_->setMaskImage(vorla::generateImageWithSize(menuSize, 4.0, backingScale()));
+    gaussEffectView_->setMaskImage(
+        vorla::generateImageWithSize(menuSize, 4.0, qApp->devicePixelRatio()));
     gaussEffectView_->setTint(
         VLCaptureThemeManager::sharedInstance().themedColorWithKey("VLPopover_BackgroundColor"));
 }

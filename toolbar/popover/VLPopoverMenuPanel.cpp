@@ -4,15 +4,9 @@
 
 #include "platform/view/VLPanel.h"
 #include "toolbar/PanelShadow.h"
+#include "toolbar/popover/overlayOf.h"
 
 namespace {
-
-/// The child panel that a view lies in.
-VLOverlayPanel* overlayOf(VLView& view) {
-    for (QWidget* widget = &view; widget; widget = widget->parentWidget())
-        if (auto* overlay = dynamic_cast<VLOverlayPanel*>(widget)) return overlay;
-    return nullptr;
-}
 
 constexpr int menuLevel = 3;
 
@@ -27,7 +21,7 @@ VLPopoverMenuPanel::VLPopoverMenuPanel(VLSize size)
 VLPopoverMenuPanel::~VLPopoverMenuPanel() = default;
 
 void VLPopoverMenuPanel::popUpMenuAtLocation(VLPoint location, VLView& inView) {
-    VLOverlayPanel* popover = overlayOf(inView);
+    VLOverlayPanel* popover = overlayOf(&inView);
     if (!popover || !inView.panel()) return;
     prepareToOpen();
     superView_ = &inView;

@@ -7,6 +7,7 @@
 #include "toolbar/popover/VLPopoverFontSizeViewForTern.h"
 #include "toolbar/popover/VLPopoverLineColorViewForIbis.h"
 #include "toolbar/popover/VLPopoverLineColorViewForTern.h"
+#include "toolbar/popover/overlayOf.h"
 #include "toolbar/toolbarPlacement.h"
 
 namespace {
@@ -15,12 +16,6 @@ constexpr int popoverLevel = 101;
 
 bool isTernTheme() {
     return VLCaptureThemeManager::sharedInstance().themeName() == "Tern-theme";
-}
-
-VLOverlayPanel* overlayOf(QWidget* view) {
-    for (QWidget* widget = view; widget; widget = widget->parentWidget())
-        if (auto* overlay = dynamic_cast<VLOverlayPanel*>(widget)) return overlay;
-    return nullptr;
 }
 
 }  // namespace
