@@ -28,11 +28,12 @@ void loadLook() {
 void VLPrepareCapture() {
     VLCrashCvrManager::startCrashReport();
     VLStartStatistics();
-    // An application object is the host's to make, and it may not have come to that yet.
-    if (!vorla::attachToApplication()) return;
     const auto server = vorla::WindowServer::shared();
     if (!server) return;
     server->prepare();
+    // An application object is the host's to make, and it may not have come to that yet; a host
+    // without one has its pixels prepared all the same.
+    if (!vorla::attachToApplication()) return;
     VLCaptureWindow::keepReady(server->displays());
     loadLook();
 }

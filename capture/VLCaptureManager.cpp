@@ -78,7 +78,7 @@ bool VLCaptureManager::startCaptureByRequest(const std::shared_ptr<VLCaptureRequ
         return false;
     }
     if (const std::string obstacle = server->obstacle(); !obstacle.empty()) {
-        VLLog("<VLCaptureManager> %s - %s", __func__, obstacle.c_str());
+        VLLogError("<VLCaptureManager> %s - %s", __func__, obstacle.c_str());
         return false;
     }
     VLLog("<VLCaptureManager> %s - 开始截图", __func__);

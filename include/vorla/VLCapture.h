@@ -25,8 +25,9 @@ VL_EXPORT void VLPrepareCapture();
 /// panels come up from the main loop, and the request's delegate hears the outcome.
 ///
 /// False, with the reason in the log and nothing changed, when `request` is null, when a capture is
-/// already running, when no display server answers, or when the host's application object cannot
-/// show windows.
+/// already running, when no X server answers or its screen has a format that is not supported, when
+/// the host's application object cannot show windows or does not use the toolkit's X11 platform,
+/// and when the host has neither a QApplication nor a GLib main loop that could drive the session.
 VL_EXPORT bool VLStartCapture(const std::shared_ptr<VLCaptureRequest>& request);
 
 /// Whether a capture runs: true from `VLStartCapture` until just after the delegate's call.

@@ -1,10 +1,12 @@
 #include "platform/view/Application.h"
 
+#include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QThread>
 #include <QTimer>
 #include <QWidget>
 #include <cstdlib>
+#include <iterator>
 #include <memory>
 
 #include "platform/base/Bundle.h"
@@ -63,10 +65,12 @@ bool attachToApplication() {
 }
 
 bool ensureApplication() {
+    static bool madeByUs = false;
     if (!QCoreApplication::instance()) {
-        static int argc = 1;
-        static std::string name = HostIdentity::displayName();
-        static char* argv[] = {name.data(), nullptr};
+        // Captures go through the X server, whatever the environment of the host prefers.
+        static std::string words[] = {HostIdentity::displayName(), "-platform", "xcb"};
+        static int argc = static_cast<int>(std::size(words));
+        static char* argv[] = {words[0].data(), words[1].data(), words[2].data(), nullptr};
         // Ends with the process, so that the clipboard is handed over. Registered after it was made
         // and has had a window: at exit it goes before what the toolkit made on the way.
         static NoDestructor<std::unique_ptr<QApplication>> application;
@@ -74,6 +78,14 @@ bool ensureApplication() {
         QWidget().ensurePolished();
         std::atexit([] { application->reset(); });
         QGuiApplication::setQuitOnLastWindowClosed(false);
+        madeByUs = true;
+    }
+    const auto* dispatcher = QAbstractEventDispatcher::instance();
+    if (madeByUs && !(dispatcher && dispatcher->inherits("QEventDispatcherGlib"))) {
+        VLLogError(
+            "no main loop can drive a capture: the host has no QApplication, and the "
+            "toolkit cannot join the GLib main loop here (QT_NO_GLIB is set?)");
+        return false;
     }
     return attachToApplication();
 }

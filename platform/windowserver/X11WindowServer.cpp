@@ -1,5 +1,6 @@
 #include "platform/windowserver/X11WindowServer.h"
 
+#include <QGuiApplication>
 #include <algorithm>
 #include <utility>
 
@@ -73,6 +74,10 @@ void X11WindowServer::displaysMayHaveChanged() {
 }
 
 std::string X11WindowServer::obstacle() {
+    // Panels of another platform would not be on this server's screens.
+    if (qGuiApp && QGuiApplication::platformName() != QLatin1String("xcb"))
+        return "the host's toolkit runs on the platform \"" +
+               QGuiApplication::platformName().toStdString() + "\", and captures need \"xcb\"";
     const xcb_screen_t* screen = connection_->screen();
     if (connection_->layoutOf(screen->root_visual) != PixelLayout::Unsupported) return {};
     return "the screen's depth of " + std::to_string(screen->root_depth) +
