@@ -121,9 +121,9 @@ TEST_F(Selection, EveryWayOfFinishingDelivers) {
              drag(), click({100, 900}, 2);
          },
          region},
-        {"third click on a window",
+        {"double click on a window",
          [&] {
-             click({1000, 300}, 3);
+             click({1000, 300}, 2);
          },
          frameOf(window)},
     };
