@@ -75,7 +75,10 @@ void VLButton::performClick() {
     VLMouseEvent release;
     release.type = VLMouseEvent::Type::LeftMouseUp;
     release.locationInWindow = convertPointToWindow({bounds().midX(), bounds().midY()});
+    const QPointer<VLButton> self(this);
     mouseUp(release);
+    // A release leaves the button as one that the pointer is over.
+    if (self && !underMouse()) setIsHover(false);
 }
 
 void VLButton::mouseEntered(const VLMouseEvent& /*event*/) {
