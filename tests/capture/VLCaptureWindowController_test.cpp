@@ -63,20 +63,6 @@ TEST_F(WindowController, MakesFramesLocalToTheScreen) {
     }
 }
 
-TEST_F(WindowController, TakesTheKeyWindowsPictureAtOnce) {
-    server_->setActiveApplicationName("editor");
-    server_->setWindows(std::vector{serverWindow(1, {10, 10, 50, 50}, 0, "other"),
-                                    serverWindow(2, {20, 30, 40, 50}),
-                                    serverWindow(3, {200, 30, 40, 50})});
-    start();
-    EXPECT_EQ(server_->windowGrabs, 0);
-    EXPECT_EQ(server_->displayGrabs, 1);
-    const auto& records = controllers()[0]->windowInfoArray();
-    EXPECT_EQ(records[1]->windowImage(), server_->imageOfDisplay(1, {20, 720, 40, 50}));
-    EXPECT_EQ(server_->windowGrabs, 0);
-    EXPECT_EQ(records[2]->windowImage().pixel(1, 1), 0xff000003U);
-}
-
 TEST_F(WindowController, HitsTheFrontmostWindowThatIsNotTransparent) {
     auto glass = serverWindow(1, {10, 10, 50, 50});
     glass.alpha = 0.005;

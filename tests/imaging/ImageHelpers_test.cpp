@@ -2,72 +2,27 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 
 #include <QDir>
 #include <QTemporaryDir>
 #include <cmath>
 #include <csignal>
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "imaging/ImageEncoding.h"
-#include "platform/base/VLLog.h"
 #include "platform/base/files.h"
-#include "tests/imaging/decoders.h"
 #include "tests/imaging/pictures.h"
+#include "tests/support/LogRecorder.h"
 
 namespace vorla {
 namespace {
 
 using test::Content;
 
-class LogCatcher {
- public:
-    LogCatcher() {
-        setLogHandler([this](std::string_view line) { lines_.emplace_back(line); });
-    }
-    ~LogCatcher() { setLogHandler({}); }
-    LogCatcher(const LogCatcher&) = delete;
-    LogCatcher& operator=(const LogCatcher&) = delete;
-    [[nodiscard]] const std::vector<std::string>& lines() const { return lines_; }
-
- private:
-    std::vector<std::string> lines_;
-};
-
 QImage withRatio(QImage image, double ratio) {
     image.setDevicePixelRatio(ratio);
     return image;
-}
-
-TEST(ImageHelpers, sizeAndResolution) {
-    const QImage image = test::picture({30, 20}, QImage::Format_RGB32, Content::Flat);
-    EXPECT_EQ(pixelSize(withRatio(image, 2)), (VLSize{30, 20}));
-    EXPECT_EQ(pixelSize(QImage()), (VLSize{0, 0}));
-    EXPECT_TRUE(isHighReolution(withRatio(image, 1.25)));
-    EXPECT_FALSE(isHighReolution(image));
-    EXPECT_FALSE(isHighReolution(QImage()));
-}
-
-TEST(ImageHelpers, saveToFileReplacesWholeFiles) {
-    const QTemporaryDir folder;
-    const std::string home = folder.path().toStdString();
-    const QByteArray oldHome = qgetenv("HOME");
-    qputenv("HOME", folder.path().toUtf8());
-    const QImage image = test::picture({30, 20}, QImage::Format_ARGB32, Content::Gradient);
-    const QImage other = test::picture({50, 40}, QImage::Format_ARGB32, Content::Noise);
-    for (const char* path : {"~/new/folders/图 片.png", "~/same.png", "~/same.png"}) {
-        EXPECT_TRUE(saveToFile(other, path, ImageFileTypePng)) << path;
-        EXPECT_TRUE(saveToFile(image, path, ImageFileTypePng)) << path;
-        const std::string file = readFile(expandTilde(path)).value_or("");
-        EXPECT_TRUE(test::decodedPng(QByteArray::fromStdString(file)).image ==
-                    test::straight(image))
-            << path;
-    }
-    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), 1);
-    qputenv("HOME", oldHome);
 }
 
 TEST(ImageHelpers, saveToFileLogsWhyItFailed) {
@@ -90,7 +45,7 @@ TEST(ImageHelpers, saveToFileLogsWhyItFailed) {
         {base + "/a.gif", QImage(70'000, 1, QImage::Format_RGB32), 2, "cannot be encoded"},
     };
     for (const auto& row : rows) {
-        const LogCatcher log;
+        const test::LogRecorder log;
         EXPECT_FALSE(saveToFile(row.image, row.path, row.type)) << row.path;
         ASSERT_EQ(log.lines().size(), row.reason ? 1U : 0U) << row.path;
         if (!row.reason) continue;
@@ -114,7 +69,7 @@ TEST(ImageHelpers, saveToFileOnAFullDiskKeepsTheOldFile) {
     bool saved = false;
     std::vector<std::string> lines;
     {
-        const LogCatcher log;
+        const test::LogRecorder log;
         saved = saveToFile(image, path, ImageFileTypePng);
         lines = log.lines();
     }

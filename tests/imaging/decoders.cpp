@@ -1,14 +1,10 @@
 #include "tests/imaging/decoders.h"
 
-#include <gif_lib.h>
 #include <openjpeg.h>
-#include <png.h>
 #include <tiffio.h>
 
 #include <QTemporaryFile>
 #include <QtEndian>
-#include <algorithm>
-#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -16,44 +12,6 @@ namespace vorla::test {
 namespace {
 
 constexpr double kMetersPerInch = 0.0254;
-
-double resolutionOfPng(const QByteArray& file) {
-    const auto at = file.indexOf("pHYs");
-    if (at < 0) return 0;
-    return qFromBigEndian<quint32>(file.constData() + at + 4) * kMetersPerInch;
-}
-
-struct Reading {
-    const QByteArray* file;
-    int at;
-};
-
-int readBytes(GifFileType* gif, GifByteType* to, int count) {
-    auto* reading = static_cast<Reading*>(gif->UserData);
-    count = std::min(count, static_cast<int>(reading->file->size()) - reading->at);
-    std::memcpy(to, reading->file->constData() + reading->at, static_cast<size_t>(count));
-    reading->at += count;
-    return count;
-}
-
-QImage pixelsOf(const GifFileType& gif) {
-    const SavedImage& frame = gif.SavedImages[0];
-    GraphicsControlBlock block = {};
-    const int transparent =
-        DGifSavedExtensionToGCB(const_cast<GifFileType*>(&gif), 0, &block) == GIF_OK
-            ? block.TransparentColor
-            : -1;
-    QImage image(gif.SWidth, gif.SHeight, QImage::Format_ARGB32);
-    const GifByteType* at = frame.RasterBits;
-    for (int y = 0; y < image.height(); ++y) {
-        auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
-        for (int x = 0; x < image.width(); ++x, ++at) {
-            const GifColorType& color = gif.SColorMap->Colors[*at];
-            line[x] = *at == transparent ? 0 : qRgb(color.Red, color.Green, color.Blue);
-        }
-    }
-    return image;
-}
 
 QImage pixelsOf(const opj_image_t& planes) {
     QImage image(static_cast<int>(planes.x1), static_cast<int>(planes.y1), QImage::Format_ARGB32);
@@ -68,19 +26,6 @@ QImage pixelsOf(const opj_image_t& planes) {
 }
 
 }  // namespace
-
-Decoded decodedPng(const QByteArray& file) {
-    png_image reader = {};
-    reader.version = PNG_IMAGE_VERSION;
-    if (!png_image_begin_read_from_memory(&reader, file.constData(),
-                                          static_cast<size_t>(file.size())))
-        return {};
-    reader.format = PNG_FORMAT_BGRA;
-    QImage image(static_cast<int>(reader.width), static_cast<int>(reader.height),
-                 QImage::Format_ARGB32);
-    if (!png_image_finish_read(&reader, nullptr, image.bits(), 0, nullptr)) return {};
-    return {image, resolutionOfPng(file)};
-}
 
 Decoded decodedTiff(const QByteArray& file) {
     QTemporaryFile onDisk;
@@ -105,16 +50,6 @@ Decoded decodedTiff(const QByteArray& file) {
             line[x] = qRgba(at[0], at[1], at[2], samples == 4 ? at[3] : 255);
     }
     return {image, dpi};
-}
-
-Decoded decodedGif(const QByteArray& file) {
-    Reading reading = {&file, 0};
-    GifFileType* gif = DGifOpen(&reading, readBytes, nullptr);
-    if (!gif) return {};
-    Decoded decoded;
-    if (DGifSlurp(gif) == GIF_OK) decoded.image = pixelsOf(*gif);
-    DGifCloseFile(gif, nullptr);
-    return decoded;
 }
 
 Decoded decodedJpeg2000(const QByteArray& file) {

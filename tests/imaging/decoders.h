@@ -13,9 +13,7 @@ struct Decoded {
 };
 
 // Each uses the reference library of its format.
-Decoded decodedPng(const QByteArray& file);
 Decoded decodedTiff(const QByteArray& file);
-Decoded decodedGif(const QByteArray& file);
 Decoded decodedJpeg2000(const QByteArray& file);
 /// Qt's reader for the named format.
 Decoded decodedByQt(const QByteArray& file, const char* format);

@@ -1,7 +1,5 @@
 // However a session ends, the desktop is as it was: no panel, no grab, the old focus and cursor.
 
-#include <signal.h>
-
 #include "tests/session/SessionTest.h"
 
 namespace vorla::test {
@@ -101,39 +99,6 @@ TEST_F(Endings, AModalDialogOfTheHostDoesNotStandInTheWay) {
     ASSERT_EQ(begin(other), 1);
     driver->key("Escape");
     EXPECT_TRUE(other.hear("cancelled"));
-}
-
-TEST_F(Endings, SecondStartIsRefusedAndChangesNothing) {
-    const QImage screen = stillScreen();
-    ASSERT_EQ(begin(), 1);
-    driver->drag({300, 300}, {700, 700}, 3);
-    host().send("capture");
-    EXPECT_EQ(host().heardUntilNow(), "refused");
-    EXPECT_EQ(panelsOf(host()).size(), 1U);
-    driver->key("Return");
-    EXPECT_TRUE(samePixels(host().delivered(), screen.copy(300, 300, 400, 400)));
-}
-
-TEST_F(Endings, CancelBeforeThePanelsAreMadeOpensNone) {
-    host().send("capture\ncancel");
-    EXPECT_EQ(host().heardUntilNow(), "");
-    expectDesktopAsBefore(window);
-}
-
-TEST_F(Endings, QuittingInASessionEndsWell) {
-    for (const bool held : {false, true}) {
-        SCOPED_TRACE(held ? "in a drag" : "at rest");
-        ASSERT_EQ(begin(), 1);
-        driver->moveTo(300, 300);
-        if (held) driver->press();
-        driver->moveTo(600, 500);
-        host().send("quit");
-        EXPECT_EQ(host().program().waitForExit(20000), 0);
-        if (held) driver->release();
-        endHost();
-        EXPECT_TRUE(eventually([&] { return driver->focus() == window; }));
-        EXPECT_FALSE(driver->pointerIsGrabbed());
-    }
 }
 
 TEST_F(Endings, AKilledHostLeavesTheDesktopUsable) {

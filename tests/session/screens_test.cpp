@@ -119,21 +119,6 @@ TEST_F(Screens, EveryArrangementAndScaleDeliversExactPixels) {
     }
 }
 
-TEST_F(Screens, OneScreenGoesOnAndTheOthersStayDimmed) {
-    add({"L", {0, 0, 960, 1080}});
-    add({"R", {960, 0, 960, 1080}});
-    HostProgram program;
-    ASSERT_TRUE(program.start());
-    ASSERT_EQ(begin(program), 2);
-    driver->drag({1100, 300}, {1500, 700}, 4);
-    const QImage confirmed = stillScreen();
-    shot("confirmed");
-    driver->drag({100, 100}, {500, 500}, 4);
-    EXPECT_TRUE(samePixels(stillScreen(), confirmed)) << "a drag on the screen that is out";
-    driver->key("Return");
-    EXPECT_TRUE(samePixels(program.delivered(), screen.copy(1100, 300, 400, 400)));
-}
-
 TEST_F(Screens, AScreenThatComesOrGoesEndsTheSession) {
     HostProgram program;
     ASSERT_TRUE(program.start());

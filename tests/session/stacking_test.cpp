@@ -111,13 +111,5 @@ TEST_F(Stacking, AProgramThatWillNotLetGoOfTheKeyboardEndsTheSession) {
     EXPECT_TRUE(host().hear("cancelled"));
 }
 
-TEST_F(Stacking, AnotherWorkspaceEndsTheSession) {
-    ASSERT_EQ(begin(), 1);
-    driver->switchWorkspace(1);
-    EXPECT_TRUE(host().hear("cancelled"));
-    EXPECT_TRUE(eventually([&] { return panelsOf(host()).empty(); }));
-    driver->switchWorkspace(0);
-}
-
 }  // namespace
 }  // namespace vorla::test

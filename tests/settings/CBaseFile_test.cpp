@@ -1,8 +1,6 @@
 #include "settings/CBaseFile.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <filesystem>
 
@@ -30,30 +28,6 @@ class BaseFile : public testing::Test {
         return count;
     }
 };
-
-TEST_F(BaseFile, ExistenceIsThatOfTheEntryItself) {
-    fs::create_symlink("nowhere", folder_ / "dangling");
-    EXPECT_TRUE(CBaseFile::FileExist(folder_ / "dangling"));
-    EXPECT_TRUE(CBaseFile::FileExist(folder_.path()));
-    EXPECT_FALSE(CBaseFile::FileExist(folder_ / "missing"));
-    EXPECT_TRUE(log_.lines().empty());
-    EXPECT_FALSE(CBaseFile::FileExist(""));
-    EXPECT_EQ(log_.lines(), std::vector<std::string>{"file exist error, nsFilePath nil"});
-}
-
-TEST_F(BaseFile, FoldersAreMadePrivateWithTheirParents) {
-    EXPECT_TRUE(CBaseFile::CreateFolder(folder_ / "a/b/c"));
-    for (const char* made : {"a", "a/b", "a/b/c"}) {
-        struct stat facts = {};
-        ASSERT_EQ(::stat((folder_ / made).c_str(), &facts), 0);
-        EXPECT_EQ(facts.st_mode, S_IFDIR | 0700U) << made;
-    }
-    EXPECT_TRUE(CBaseFile::CreateFolder(folder_ / "a"));
-    EXPECT_TRUE(CBaseFile::CreateFolder("x"));
-    EXPECT_FALSE(fs::exists("x"));
-    EXPECT_FALSE(CBaseFile::CreateFolder(file("plain", "") + "/below"));
-    EXPECT_EQ(log_.count("create file path:" + (folder_ / "plain/below")), 1);
-}
 
 TEST_F(BaseFile, ParentOfAFileIsMade) {
     CBaseFile::EnsureCreateParentDir(folder_ / "a/b/file");

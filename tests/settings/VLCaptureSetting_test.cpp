@@ -71,12 +71,6 @@ TEST_F(CaptureSetting, SetValuesSurviveTheProcess) {
     EXPECT_EQ(next.themeName(), "dark");
 }
 
-TEST_F(CaptureSetting, EmptyChannelChangesNothing) {
-    setting_.setChannel("store");
-    setting_.setChannel("");
-    EXPECT_EQ(setting_.channel(), "store");
-}
-
 TEST_F(CaptureSetting, ZeroDefaultsCountAsNotSet) {
     fallbacks_.setDefaultValueOfPlaySound(false);
     fallbacks_.setDefaultValueOfResolution(false);

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "platform/base/files.h"
@@ -74,14 +73,6 @@ TEST_F(Plist, AMissingFileIsNoFault) {
     EXPECT_TRUE(log_.lines().empty());
     EXPECT_FALSE(readFromPlistFile(folder_.path()));
     EXPECT_EQ(log_.lines().size(), 1U);
-}
-
-TEST_F(Plist, AFailedWriteKeepsTheOldFile) {
-    ASSERT_TRUE(writeToPlistFile({{"a", 1}}, path_));
-    EXPECT_FALSE(writeToPlistFile({{"a", 2}}, path_ + "/below"));
-    std::filesystem::create_directory(folder_ / "taken");
-    EXPECT_FALSE(writeToPlistFile({{"a", 2}}, folder_ / "taken"));
-    EXPECT_EQ(readFromPlistFile(path_), json({{"a", 1}}));
 }
 
 }  // namespace

@@ -44,18 +44,6 @@ TEST(Utilities, KeepsPointsInside) {
         EXPECT_EQ(VLCaptureUtilities::fixedPoint(point, in), expected);
 }
 
-TEST(Utilities, SpansAndGrowsRectangles) {
-    EXPECT_EQ(VLCaptureUtilities::minRectWithFirstPoint({5, 1}, {2, 9}), (VLRect{2, 1, 3, 8}));
-    // The origin passes through single precision, the size does not.
-    const VLRect fine = VLCaptureUtilities::minRectWithFirstPoint({0.1, 0.1}, {0.3, 0.3});
-    EXPECT_EQ(fine.x, double(0.1F));
-    EXPECT_EQ(fine.width, 0.3 - 0.1);
-    EXPECT_EQ(VLCaptureUtilities::expandRect({10, 10, 4, 6}, 3), (VLRect{8.5, 8.5, 7, 9}));
-    EXPECT_EQ(VLCaptureUtilities::expandRectWithWidth({10, 10, 4, 6}, 2, -4),
-              (VLRect{9, 12, 6, 2}));
-    EXPECT_EQ(VLCaptureUtilities::rectWithCenter({10, 10}, 4, 6), (VLRect{8, 7, 4, 6}));
-}
-
 TEST(Utilities, TellsTransparentPixels) {
     QImage image(2, 1, QImage::Format_ARGB32_Premultiplied);
     image.setPixel(0, 0, 0x02000000U);  // 2 / 255 is below a hundredth

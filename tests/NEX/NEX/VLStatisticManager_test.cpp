@@ -5,14 +5,11 @@
 #include <sys/stat.h>
 
 #include <filesystem>
-#include <random>
 #include <stdexcept>
 #include <thread>
 #include <vector>
 
-#include <vorla/VLCaptureSetting.h>
 #include "NEX/NEX/VLNEXUtilities.h"
-#include "NEX/NEX/VLSTStat.h"
 #include "platform/base/files.h"
 #include "settings/plist.h"
 #include "tests/support/ChildProcess.h"
@@ -218,25 +215,6 @@ TEST_F(Statistics, AnOldFileMovesAndAResetStartsFromNothing) {
     EXPECT_FALSE(fs::exists(path_));
     manager.statisticEvent(2);
     EXPECT_EQ(onDisk(), json({{"2", 1}}));
-}
-
-TEST_F(Statistics, EntriesTellNumbersFromTexts) {
-    VLStatisticManager manager(counters_, old_);
-    manager.statisticEvent(5, json("text"));
-    manager.statisticEvent(6, json((uint64_t{1} << 32) + 9));
-    manager.statisticEvent(uint64_t{1} << 33, json::array());
-    std::map<uint32_t, std::pair<uint32_t, std::string>> seen;
-    for (const PakValue& one : VLSTStatProtocol_Function::ozuhdInstance(manager)) {
-        const auto entry = std::static_pointer_cast<VLSTStatProtocol_Function>(one.object());
-        EXPECT_EQ(entry->pak_iProtocol(), 8130U);
-        seen[entry->pak_iKey()] = {entry->pak_iValueI(), entry->pak_sValueI()};
-    }
-    EXPECT_EQ(seen.size(), 9U);
-    EXPECT_EQ(seen[5], std::make_pair(0U, std::string("text")));
-    EXPECT_EQ(seen[6], std::make_pair(9U, std::string()));
-    EXPECT_EQ(seen[0], std::make_pair(0U, std::string()));
-    EXPECT_EQ(seen[1022], std::make_pair(0U, VLNEXUtilities::formattedVersion()));
-    EXPECT_EQ(seen[1019].first, VLCaptureSetting::sharedInstance().isPlaySound() ? 1U : 0U);
 }
 
 TEST_F(Statistics, AForkedChildMayCountWhileThreadsDo) {

@@ -63,16 +63,6 @@ TEST(PngEncoder, keepsEveryPixel) {
     }
 }
 
-TEST(PngEncoder, unpremultipliesAsQtDoes) {
-    QImage image(256, 256, QImage::Format_ARGB32_Premultiplied);
-    for (int alpha = 0; alpha < 256; ++alpha)
-        for (int value = 0; value < 256; ++value)
-            image.setPixel(
-                value, alpha,
-                qRgba(std::min(value, alpha), std::min(255 - value, alpha), alpha, alpha));
-    EXPECT_TRUE(readByQt(PngEncoder::encode(image)) == readByQt(writtenByQt(image)));
-}
-
 TEST(PngEncoder, choosesTheSmallestKindOfPixel) {
     const auto colors = [](unsigned count, unsigned alpha) {
         QImage image(128, 128, QImage::Format_ARGB32);

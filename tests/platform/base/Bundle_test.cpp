@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-
 #include "platform/base/files.h"
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TemporaryFolder.h"
@@ -24,18 +22,6 @@ class BundleTest : public testing::Test {
     }
     ~BundleTest() override { bundle_.setResourcePath(before_); }
 };
-
-TEST_F(BundleTest, ReadsTextsAndNumbersOfTheInformationDictionary) {
-    install(R"({"SupplyID": 9810, "Version": "1.2", "Platforms": ["Linux"], "Flag": true})");
-    EXPECT_EQ(bundle_.infoString("SupplyID"), "9810");
-    EXPECT_EQ(bundle_.infoString("Version"), "1.2");
-    EXPECT_EQ(bundle_.infoString("Platforms"), "");
-    EXPECT_EQ(bundle_.infoString("Missing"), "");
-    EXPECT_EQ(bundle_.infoValue("Platforms"), nlohmann::json({"Linux"}));
-    EXPECT_TRUE(bundle_.infoValue("Missing").is_null());
-    bundle_.setInfoString("SupplyID", "7");
-    EXPECT_EQ(bundle_.infoString("SupplyID"), "7");
-}
 
 TEST_F(BundleTest, BrokenOrMissingDictionariesAreEmpty) {
     for (const char* info : {"", "[1]", "{\"a\":", "\xFF\xFE", "null"}) {

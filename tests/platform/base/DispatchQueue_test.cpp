@@ -6,7 +6,6 @@
 
 #include <atomic>
 #include <future>
-#include <latch>
 #include <set>
 #include <thread>
 #include <vector>
@@ -35,17 +34,6 @@ TEST(DispatchQueue, ASerialQueueRunsOneTaskAfterTheOtherOnOneThread) {
     EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
     EXPECT_EQ(threads.size(), 1U);
     EXPECT_EQ(threads.count(std::this_thread::get_id()), 0U);
-}
-
-TEST(DispatchQueue, TheGlobalQueueRunsTasksSideBySide) {
-    std::latch both(2);
-    std::latch done(2);
-    for (int i = 0; i < 2; ++i)
-        DispatchQueue::global().async([&] {
-            both.arrive_and_wait();
-            done.count_down();
-        });
-    done.wait();
 }
 
 TEST(DispatchQueue, EndingAQueueFinishesTheRunningTaskAndDropsTheRest) {

@@ -56,14 +56,4 @@ TEST_F(MainQueueTest, ATaskPostedDuringTheHandOverDoesNotOvertake) {
     EXPECT_EQ(order_, "123");
 }
 
-TEST_F(MainQueueTest, TasksWaitWhileThereIsNoLoop) {
-    MainQueue::setBackend(loop_);
-    MainQueue::setBackend(nullptr);
-    MainQueue::post(note('1'));
-    EXPECT_TRUE(loop_->tasks.empty());
-    MainQueue::setBackend(loop_);
-    loop_->runAll();
-    EXPECT_EQ(order_, "1");
-}
-
 }  // namespace

@@ -53,18 +53,6 @@ class X11Displays : public X11Test {
     QStringList monitors;
 };
 
-TEST_F(X11Displays, OneDisplayIsTheWholeScreen) {
-    const std::vector<Display> displays = server->displays();
-    ASSERT_EQ(displays.size(), 1U);
-    const Display& d = displays[0];
-    const QSize size = driver->rootSize();
-    EXPECT_NE(d.displayID, 0U);
-    EXPECT_EQ(d.nativeFrame, (PixelRect{0, 0, size.width(), size.height()}));
-    EXPECT_EQ(d.scale, qGuiApp->devicePixelRatio());
-    EXPECT_EQ(d.frame, (VLRect{0, 0, size.width() / d.scale, size.height() / d.scale}));
-    EXPECT_EQ(server->displays(), displays);
-}
-
 TEST_F(X11Displays, MonitorsComeAndGoWithOneCallEach) {
     addMonitor("L", "960/250x1080/280+0+0", "screen");
     expectOneChange();
@@ -103,17 +91,6 @@ TEST_F(X11Displays, MonitorsComeAndGoWithOneCallEach) {
     EXPECT_TRUE(server->imageOfDisplay(r.displayID, whole(r)).isNull());
     EXPECT_FALSE(server->windows(r.displayID));
     EXPECT_EQ(server->displays().size(), 1U);
-}
-
-TEST_F(X11Displays, WorkspaceChangesAreTold) {
-    driver->switchWorkspace(1);
-    EXPECT_TRUE(eventually([&] { return spaceChanges == 1; }));
-    driver->switchWorkspace(1);
-    runEventLoop(200);
-    EXPECT_EQ(spaceChanges, 1) << "the same one again is no change";
-    driver->switchWorkspace(0);
-    EXPECT_TRUE(eventually([&] { return spaceChanges == 2; }));
-    EXPECT_EQ(changes, 0);
 }
 
 TEST_F(X11Displays, WorkspaceChangeDuringACallIsNotLost) {

@@ -228,27 +228,5 @@ TEST_F(X11Pictures, GoneWindowsGiveNothing) {
     server->releaseWindows();
 }
 
-TEST_F(X11Pictures, SessionsLeaveNothingBehind) {
-    const xcb_window_t back = open({"--pattern", "gradient", "--geometry", "400x300+100+100"});
-    open({"--geometry", "400x300+200+150"});
-    server->prepare();
-    const auto session = [&] {
-        const QImage screen = beginSession();
-        take(back, WindowPicture::Frame, screen);
-        server->keepWindows();
-        server->releaseWindows();
-        programs.pop_back();
-    };
-    session();
-    const auto resources = driver->resourcesOfProcess(getpid());
-    const int files = fileDescriptorsOf(getpid());
-    const int segments = sharedMemorySegmentsOf(getpid());
-    for (int i = 0; i < 8; ++i) session();
-    EXPECT_EQ(driver->resourcesOfProcess(getpid()), resources);
-    EXPECT_EQ(driver->pixmapBytesOfProcess(getpid()), 0U);
-    EXPECT_EQ(fileDescriptorsOf(getpid()), files);
-    EXPECT_EQ(sharedMemorySegmentsOf(getpid()), segments);
-}
-
 }  // namespace
 }  // namespace vorla::test

@@ -132,32 +132,6 @@ TEST_F(X11Windows, ListSurvivesVanishingWindows) {
     }
 }
 
-TEST_F(X11Windows, AskingLeavesAnOpenMenuOpen) {
-    open({"--menu", "--geometry", "400x300+200+200"});
-    std::string id;
-    ASSERT_TRUE(programs.back().waitForLine("menu 0x", &id));
-    const auto menu = static_cast<xcb_window_t>(std::stoul(id, nullptr, 16));
-    ASSERT_TRUE(eventually([&] { return driver->isViewable(menu); }));
-    server->prepare();
-    const auto found = entry(menu);
-    ASSERT_TRUE(found);
-    EXPECT_EQ(found->layer, 101);
-    const Display d = display();
-    VLRect local = found->bounds;
-    ASSERT_TRUE(eventually([&] {
-        return pixelsUnlike(server->imageOfDisplay(d.displayID, local), TestPattern::Checker) == 0;
-    }));
-    server->keepWindows();
-    EXPECT_TRUE(driver->pointerIsGrabbed());
-    EXPECT_TRUE(driver->isViewable(menu));
-    // It does close for one who takes the keyboard away, as a panel does.
-    const xcb_window_t other = open({"--override-redirect", "--geometry", "50x50+800+800"});
-    driver->setFocus(other);
-    EXPECT_TRUE(programs.front().waitForLine("menu closed"));
-    EXPECT_FALSE(driver->pointerIsGrabbed());
-    server->releaseWindows();
-}
-
 TEST_F(X11Windows, ActiveApplicationIsTheManagersChoice) {
     const xcb_window_t first = open({"--class", "First", "--geometry", "300x200+100+100"});
     open({"--class", "Second", "--geometry", "300x200+500+100"});

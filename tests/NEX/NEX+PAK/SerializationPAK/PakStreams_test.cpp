@@ -8,54 +8,6 @@ const PakClass& kString = PakClass::stringClass();
 using CompactIn = analyticspak::PakInputStream;
 using CompactOut = analyticspak::PakOutputStream;
 
-TEST(PakOutputStream, GrowsByDoublingFromItsStart) {
-    const std::string bytes(5000, 'x');
-    const struct {
-        int32_t start, before, size, capacity;
-    } rows[] = {{4096, 0, 4096, 4096},
-                {4096, 1, 4096, 8192},
-                {-7, 0, 4096, 4096},
-                {3, 0, 100, 192},
-                {16, 10, 500, 512}};
-    for (const auto& row : rows) {
-        PakOutputStream stream(row.start);
-        stream.writeBytes(bytes.data(), row.before);
-        stream.writeBytes(bytes.data(), row.size);
-        EXPECT_EQ(stream.streamSize(), row.capacity) << row.start;
-    }
-    EXPECT_EQ(PakOutputStream::streamWithCapability(16)->streamSize(), 80);
-}
-
-TEST(PakOutputStream, ChecksItsValues) {
-    using Write = void (PakOutputStream::*)(const PakValue&, int32_t, bool);
-    const struct {
-        Write write;
-        PakValue wrong;
-        const char* test;
-    } rows[] = {
-        {&PakOutputStream::writeNumber, "1", "[number isKindOfClass:[NSNumber class]]"},
-        {&PakOutputStream::writeString, 1, "[string isKindOfClass:[NSString class]]"},
-        {&PakOutputStream::writeData, "1", "[data isKindOfClass:[NSData class]]"},
-        {&PakOutputStream::writeArray, 1, "[array isKindOfClass:[NSArray class]]"},
-        {&PakOutputStream::writeDictionary, 1, "[dictionary isKindOfClass:[NSDictionary class]]"},
-        {&PakOutputStream::writeObject, 1, "[object isKindOfClass:[PakObject class]]"},
-    };
-    for (const auto& row : rows) {
-        PakOutputStream stream;
-        const auto outcome = [&](const PakValue& value, bool required) {
-            return outcomeOf([&] { (stream.*row.write)(value, 1, required); });
-        };
-        EXPECT_EQ(outcome(row.wrong, true), row.test);
-        EXPECT_EQ(outcome({}, true), "required == NO") << row.test;
-        EXPECT_EQ(outcome({}, false), "done") << row.test;
-        EXPECT_EQ(stream.cursor(), 0) << row.test;
-    }
-    PakOutputStream stream;
-    EXPECT_EQ(outcomeOf([&] { stream.writeAnything({}, 1, false); }), "0");
-    stream.setStreamSize(0);
-    EXPECT_EQ(outcomeOf([&] { stream.writeInt1(1); }), "_streamSize != 0");
-}
-
 TEST(PakOutputStreamDeathTest, AFailedCheckEndsTheProcess) {
     EXPECT_DEATH(PakOutputStream().writeString(PakValue(), 1, true), "required == NO");
 }

@@ -128,14 +128,6 @@ TEST(ZenAttribute, RefusesWhatContradictsIt) {
     EXPECT_EQ(a.typeOfName("none"), std::nullopt);
 }
 
-TEST(ZenPacket, DescribesItself) {
-    EXPECT_EQ(smallPacket()->description(),
-              "\n--------------- ZenPacket ---------------\nversion     : 2\npacket-type : 0\n"
-              "message-type: 0\nrequest-id  : 5\nservant-name: s\nfunc-name   : f\n"
-              "buffer      : <>\ntimeout     : 0\ncontext     : {}\nstatus      : {}\n"
-              "----------------- Attributes --------------\n{}\n");
-}
-
 TEST(CompactPacket, OnlyTheLengthIsTakenOnTrust) {
     const struct {
         const char *bytes, *outcome;
