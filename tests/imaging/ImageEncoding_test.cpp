@@ -85,10 +85,11 @@ TEST(ImageEncoding, resolutionFollowsTheDevicePixelRatio) {
             const QByteArray file = encodedImage(image, type);
             const Decoded back = decoded(file, type);
             EXPECT_EQ(back.image.size(), QSize(40, 30)) << type;
-            if (ratio == 1 && (type == ImageFileTypePng || type == ImageFileTypeJpeg2000))
-                EXPECT_FALSE(file.contains("pHYs") || file.contains("resc")) << type;
-            else if (type != ImageFileTypeGif)
-                EXPECT_NEAR(back.dotsPerInch, 72 * ratio, 0.6) << type;
+            const bool isTold =
+                ratio > 1 || (type != ImageFileTypePng && type != ImageFileTypeJpeg2000);
+            EXPECT_FALSE(!isTold && (file.contains("pHYs") || file.contains("resc"))) << type;
+            if (!isTold || type == ImageFileTypeGif) continue;
+            EXPECT_NEAR(back.dotsPerInch, 72 * ratio, 0.6) << type;
         }
 }
 
@@ -133,7 +134,9 @@ TEST(ImageEncoding, gifIsExactUpTo256Colors) {
         const QImage back = decoded(encodedImage(image, ImageFileTypeGif), ImageFileTypeGif).image;
         for (int x = 0; row.clearCorner && x < 60; x += 2) image.setPixel(x, 0, 0);
         ASSERT_EQ(back.size(), image.size()) << row.name;
-        EXPECT_EQ(back == image, row.exact) << row.name;
+        constexpr auto plain = QImage::Format_ARGB32_Premultiplied;  // clear is clear
+        EXPECT_EQ(back.convertToFormat(plain) == image.convertToFormat(plain), row.exact)
+            << row.name;
         EXPECT_LT(meanError(back, image), 3.0) << row.name;
     }
 }

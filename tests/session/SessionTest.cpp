@@ -87,11 +87,6 @@ void SessionTest::closeClients() {
     clients_.clear();
 }
 
-void SessionTest::closeClient(size_t index) {
-    clients_.at(index).terminate();
-    stillScreen();
-}
-
 QImage SessionTest::stillScreen() {
     QImage before;
     QImage now = driver->rootPixels();

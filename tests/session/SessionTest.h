@@ -44,7 +44,6 @@ class SessionTest : public testing::Test {
     /// neighbours.
     void openWallpaper();
     void closeClients();
-    void closeClient(size_t index);
 
     /// Waits until the picture of the screen no longer changes, and gives it.
     QImage stillScreen();

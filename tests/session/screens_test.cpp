@@ -119,26 +119,5 @@ TEST_F(Screens, EveryArrangementAndScaleDeliversExactPixels) {
     }
 }
 
-TEST_F(Screens, AScreenThatComesOrGoesEndsTheSession) {
-    HostProgram program;
-    ASSERT_TRUE(program.start());
-    ASSERT_EQ(begin(program), 1);
-    add({"L", {0, 0, 960, 1080}});
-    add({"R", {960, 0, 960, 1080}});
-    EXPECT_TRUE(program.hear("cancelled")) << "a screen came";
-    EXPECT_TRUE(eventually([&] { return panelsOf(program).empty(); }));
-    expectRegion(program, 2, {960, 0, 960, 1080}, {100, 120, 320, 240});
-    ASSERT_EQ(begin(program), 2);
-    driver->moveTo(1200, 300);
-    driver->press();
-    driver->moveTo(1400, 500);
-    xrandr("--delmonitor R");
-    monitors.pop_back();
-    driver->release();
-    EXPECT_TRUE(program.hear("cancelled")) << "a screen went";
-    EXPECT_TRUE(eventually([&] { return panelsOf(program).empty(); }));
-    EXPECT_FALSE(driver->pointerIsGrabbed());
-}
-
 }  // namespace
 }  // namespace vorla::test

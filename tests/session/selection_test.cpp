@@ -97,25 +97,5 @@ TEST_F(Selection, EveryWayOfFinishingDelivers) {
     }
 }
 
-TEST_F(Selection, TheFrozenPictureSitsPixelForPixelUnderTheSelection) {
-    openWallpaper();
-    const QImage screen = stillScreen();
-    driver->moveTo(600, 500);
-    ASSERT_EQ(begin(), 1);
-    // Though the pointer has not moved yet, what it is on is selected. The magnifier and the border
-    // are the only things over a selected whole screen.
-    const QRect clear(900, 100, 800, 800);
-    EXPECT_TRUE(comesToShow(screen, clear));
-    driver->drag({300, 200}, {900, 700});
-    const QRect inside(320, 220, 560, 460);
-    EXPECT_TRUE(eventually([&] { return driver->rootPixels(clear) != screen.copy(clear); }))
-        << "it is not dimmed";
-    EXPECT_TRUE(comesToShow(screen, inside));
-    driver->key("Escape");
-    EXPECT_TRUE(host().hear("cancelled"));
-    driver->moveTo(3, 3);
-    EXPECT_TRUE(comesToShow(screen, screen.rect())) << "something is left on the screen";
-}
-
 }  // namespace
 }  // namespace vorla::test

@@ -26,12 +26,10 @@ class TestMainLoop {
         const auto latest = std::chrono::steady_clock::now() + limit;
         while (!condition()) {
             if (std::chrono::steady_clock::now() > latest) return false;
-            backend_->runOne(std::chrono::milliseconds(2), longestTask_);
+            backend_->runOne(std::chrono::milliseconds(2));
         }
         return true;
     }
-    /// How long the longest task has kept the loop.
-    [[nodiscard]] std::chrono::nanoseconds longestTask() const { return longestTask_; }
 
  private:
     struct Backend : MainQueue::Backend {
@@ -40,7 +38,7 @@ class TestMainLoop {
             tasks.push_back(std::move(task));
             posted.notify_one();
         }
-        void runOne(std::chrono::milliseconds patience, std::chrono::nanoseconds& longest) {
+        void runOne(std::chrono::milliseconds patience) {
             MainQueue::Task task;
             {
                 std::unique_lock lock(mutex);
@@ -48,11 +46,7 @@ class TestMainLoop {
                 task = std::move(tasks.front());
                 tasks.pop_front();
             }
-            const auto start = std::chrono::steady_clock::now();
             task();
-            task = nullptr;
-            longest = std::max(longest,
-                               std::chrono::nanoseconds(std::chrono::steady_clock::now() - start));
         }
         std::mutex mutex;
         std::condition_variable posted;
@@ -60,7 +54,6 @@ class TestMainLoop {
     };
 
     std::shared_ptr<Backend> backend_;
-    std::chrono::nanoseconds longestTask_{0};
 };
 
 }  // namespace vorla::test

@@ -257,12 +257,6 @@ void XTestDriver::killClient(uint32_t client) {
     sync();
 }
 
-void XTestDriver::raise(xcb_window_t window) {
-    const uint32_t above = XCB_STACK_MODE_ABOVE;
-    xcb_configure_window(connection_, window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
-    sync();
-}
-
 void XTestDriver::moveWindow(xcb_window_t window, int x, int y) {
     const uint32_t values[] = {static_cast<uint32_t>(x), static_cast<uint32_t>(y)};
     xcb_configure_window(connection_, window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, values);

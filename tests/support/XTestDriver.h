@@ -65,7 +65,6 @@ class XTestDriver {
     void switchWorkspace(uint32_t index) {
         sendToManager(screen_->root, "_NET_CURRENT_DESKTOP", index);
     }
-    void raise(xcb_window_t window);
     void moveWindow(xcb_window_t window, int x, int y);
     void unmap(xcb_window_t window);
     /// The window's state as the server has it: mapped and viewable.

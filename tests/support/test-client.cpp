@@ -27,7 +27,6 @@ using vorla::test::TestPattern;
 
 struct Options {
     int width = 400, height = 300, x = 100, y = 100;
-    std::string title = "test client";
     std::string className = "TestClient";
     TestPattern pattern = TestPattern::Quadrants;
     std::string type;   ///< dock, desktop, normal, utility; empty sets none
@@ -36,16 +35,15 @@ struct Options {
     bool argb = false;
     double alpha = 1.0;
     bool overrideRedirect = false;
-    bool stopPainting = false;
     bool menu = false;
 };
 
 [[noreturn]] void usage() {
     std::fputs(
-        "vorla-test-client [--geometry WxH+X+Y] [--title T] [--class C] [--override-redirect]\n"
+        "vorla-test-client [--geometry WxH+X+Y] [--class C] [--override-redirect]\n"
         "  [--pattern quadrants|gradient|checker] [--type dock|desktop|normal|utility]\n"
         "  [--state above|below|fullscreen] [--argb ALPHA] [--gtk-frame-extents L,R,T,B]\n"
-        "  [--stop-painting] [--menu]\n",
+        "  [--menu]\n",
         stderr);
     std::exit(2);
 }
@@ -61,8 +59,6 @@ Options parse(const std::vector<std::string>& arguments) {
         if (name == "--geometry") {
             if (std::sscanf(value().c_str(), "%dx%d%d%d", &o.width, &o.height, &o.x, &o.y) != 4)
                 usage();
-        } else if (name == "--title") {
-            o.title = value();
         } else if (name == "--class") {
             o.className = value();
         } else if (name == "--pattern") {
@@ -80,8 +76,6 @@ Options parse(const std::vector<std::string>& arguments) {
             if (std::sscanf(value().c_str(), "%u,%u,%u,%u", e, e + 1, e + 2, e + 3) != 4) usage();
         } else if (name == "--override-redirect") {
             o.overrideRedirect = true;
-        } else if (name == "--stop-painting") {
-            o.stopPainting = true;
         } else if (name == "--menu") {
             o.menu = true;
         } else {
@@ -103,7 +97,7 @@ class TestClient {
 
     void show() {
         window_ = makeWindow(o_.x, o_.y, o_.width, o_.height, o_.overrideRedirect);
-        setText(XCB_ATOM_WM_NAME, o_.title);
+        setText(XCB_ATOM_WM_NAME, "test client");
         setText(XCB_ATOM_WM_CLASS, o_.className + '\0' + o_.className + '\0');
         const uint32_t pid = static_cast<uint32_t>(getpid());
         xcb_change_property(c_, XCB_PROP_MODE_REPLACE, window_, atom("_NET_WM_PID"),
@@ -248,9 +242,8 @@ class TestClient {
     }
 
     void expose(const xcb_expose_event_t& e) {
-        const bool hung = o_.stopPainting && ready_ && e.window == window_;
         const TestPattern pattern = e.window == menu_ ? TestPattern::Checker : o_.pattern;
-        if (!hung) paint(e.window, pattern, e.x, e.y, e.width, e.height);
+        paint(e.window, pattern, e.x, e.y, e.width, e.height);
         if (ready_ || e.window != window_ || e.count > 0) return;
         ready_ = true;
         say("ready");
@@ -260,7 +253,7 @@ class TestClient {
         if (e.window != window_ || (e.width == o_.width && e.height == o_.height)) return;
         o_.width = e.width;
         o_.height = e.height;
-        if (!o_.stopPainting) paint(window_, o_.pattern, 0, 0, o_.width, o_.height);
+        paint(window_, o_.pattern, 0, 0, o_.width, o_.height);
     }
 
     /// Writes a line when the server has done what it was asked for until now.

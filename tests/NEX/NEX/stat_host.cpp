@@ -12,8 +12,7 @@
 //   ua              prints the user agent
 //   return, exit, abort, quick   ends the process in that way
 //
-// Prints each log line, and at the end "blocked NANOSECONDS": the longest that a call or a posted
-// task has held the main thread.
+// Prints each log line.
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -34,8 +33,6 @@
 #include "tests/support/TestMainLoop.h"
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 // Background threads log while the process exits.
 std::mutex logMutex;
@@ -77,8 +74,8 @@ class Host {
  public:
     void run(const std::string& action, const std::string& value) {
         if (action == "url") vorla::Bundle::framework().setInfoString("StatisticsURL", value);
-        if (action == "event") timed([&] { vorla::fireStatisticEvent(std::stoi(value)); });
-        if (action == "start") timed([] { OzuNexManager::defaultManager().startStat(); });
+        if (action == "event") vorla::fireStatisticEvent(std::stoi(value));
+        if (action == "start") OzuNexManager::defaultManager().startStat();
         if (action == "threads") print("threads " + std::to_string(threadCount()));
         if (action == "wait") loop_.runUntil([&] { return wasLogged(value); });
         if (action == "sleep")
@@ -92,19 +89,9 @@ class Host {
         if (action == "quick") ::_exit(0);
         if (action == "abort") std::abort();
     }
-    [[nodiscard]] long long longest() const {
-        return std::max(longest_, loop_.longestTask()).count();
-    }
 
  private:
-    template <typename Call>
-    void timed(Call call) {
-        const auto start = Clock::now();
-        call();
-        longest_ = std::max(longest_, std::chrono::nanoseconds(Clock::now() - start));
-    }
     vorla::test::TestMainLoop loop_;
-    std::chrono::nanoseconds longest_{0};
 };
 
 }  // namespace
@@ -122,6 +109,5 @@ int main(int count, char** arguments) {
         host.run(word.substr(0, equals),
                  equals == std::string::npos ? "" : word.substr(equals + 1));
     }
-    print("blocked " + std::to_string(host.longest()));
     return 0;
 }
