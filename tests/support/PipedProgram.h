@@ -18,18 +18,31 @@
 
 namespace vorla::test {
 
-/// A program that runs beside the test, whose standard output is read line by line. It is killed
-/// with the object.
+/// A program that runs beside the test, whose standard output is read line by line and, where that
+/// is asked for, whose standard input is written. It is killed with the object.
 class PipedProgram {
  public:
-    explicit PipedProgram(std::vector<std::string> commandLine) {
+    enum class Input { Inherited, Piped };
+    /// `errorFile` empty stands for this program's own standard error.
+    explicit PipedProgram(std::vector<std::string> commandLine, Input input = Input::Inherited,
+                          const std::string& errorFile = {}) {
         int ends[2];
         if (::pipe2(ends, O_CLOEXEC) != 0) std::abort();
         output_.reset(ends[0]);
-        const UniqueFd input(ends[1]);
+        const UniqueFd written(ends[1]);
+        UniqueFd read;
         posix_spawn_file_actions_t actions;
         posix_spawn_file_actions_init(&actions);
-        posix_spawn_file_actions_adddup2(&actions, input.get(), STDOUT_FILENO);
+        posix_spawn_file_actions_adddup2(&actions, written.get(), STDOUT_FILENO);
+        if (input == Input::Piped) {
+            if (::pipe2(ends, O_CLOEXEC) != 0) std::abort();
+            read.reset(ends[0]);
+            input_.reset(ends[1]);
+            posix_spawn_file_actions_adddup2(&actions, read.get(), STDIN_FILENO);
+        }
+        if (!errorFile.empty())
+            posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errorFile.c_str(),
+                                             O_WRONLY | O_CREAT | O_APPEND, 0600);
         std::vector<char*> arguments;
         for (std::string& word : commandLine) arguments.push_back(word.data());
         arguments.push_back(nullptr);
@@ -83,8 +96,11 @@ class PipedProgram {
     }
     [[nodiscard]] pid_t pid() const { return pid_; }
 
- private:
+ protected:
     pid_t pid_ = -1;
+    UniqueFd input_;
+
+ private:
     UniqueFd output_;
     std::string read_;
 };

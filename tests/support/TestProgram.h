@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/base/raii.h"
+#include "tests/support/PipedProgram.h"
 
 namespace vorla::test {
 
@@ -16,17 +16,12 @@ int fileDescriptorsOf(int pid);
 int sharedMemorySegmentsOf(int pid);
 
 /// A running vorla-test-client (or another program that speaks its lines); ends with the object.
-class TestProgram {
+class TestProgram : public PipedProgram {
  public:
     /// Starts it, with standard input and output connected. `path` empty stands for the test
     /// client, `errorFile` empty for this program's own standard error.
     explicit TestProgram(const std::vector<std::string>& arguments, const std::string& path = {},
                          const std::string& errorFile = {});
-    ~TestProgram();
-    TestProgram(TestProgram&& other) noexcept;
-    TestProgram& operator=(TestProgram&&) = delete;
-    TestProgram(const TestProgram&) = delete;
-    TestProgram& operator=(const TestProgram&) = delete;
 
     /// Waits for a line that begins with `prefix`, and gives the rest of it; lines before it are
     /// dropped. False when none came in time.
@@ -42,14 +37,6 @@ class TestProgram {
     void suspend();
     void resume();
     void terminate();
-
-    [[nodiscard]] int pid() const { return pid_; }
-
- private:
-    int pid_ = -1;
-    UniqueFd input_;
-    UniqueFd output_;
-    std::string pending_;
 };
 
 }  // namespace vorla::test
