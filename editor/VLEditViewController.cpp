@@ -21,7 +21,7 @@ class VLEditViewController::BackgroundImageView : public VLView {
     /// A picture of that many pixels, the caller's own.
     [[nodiscard]] QImage imageOfSize(QSize pixels) const {
         return image_.size() == pixels
-                   ? image_.copy()
+                   ? image_
                    : image_.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     }
 
@@ -94,6 +94,9 @@ QImage VLEditViewController::imageEdited() {
         QSize(static_cast<int>(std::lround(editView_->bounds().width * scale)),
               static_cast<int>(std::lround(editView_->bounds().height * scale))));
     if (image.isNull()) return {};
+    // Where nothing was drawn the picture is the background itself, and no memory is spent on it.
+    if (editView_->itemArray().empty() && image.devicePixelRatio() == scale) return image;
+    image = image.copy();
     image.setDevicePixelRatio(1.0);
     QPainter painter(&image);
     editView_->drawItems(painter, image.rect(), scale);
