@@ -12,6 +12,7 @@
 #include <chrono>
 #include <cstdio>
 #include <functional>
+#include <list>
 #include <string>
 #include <utility>
 #include <vector>
@@ -121,7 +122,7 @@ void benchGrabs(vorla::WindowServer& server, XTestDriver& driver) {
 }
 
 void benchWindows(vorla::WindowServer& server, XTestDriver& driver, int wanted) {
-    std::vector<TestProgram> programs;
+    std::list<TestProgram> programs;
     for (int i = 0; i < wanted; ++i)
         programs.emplace_back(std::vector<std::string>{
             "--geometry", "500x400+" + std::to_string(60 * i) + "+" + std::to_string(20 * i)});

@@ -26,6 +26,7 @@
 #include <chrono>
 #include <cstdio>
 #include <functional>
+#include <list>
 #include <string>
 #include <vector>
 
@@ -215,7 +216,7 @@ int main(int argc, char** argv) {
     const auto driver = XTestDriver::create();
     if (!driver) return 1;
     const QSize size = driver->rootSize();
-    std::vector<TestProgram> clients;
+    std::list<TestProgram> clients;
     for (const char* place : {"60x60+5+5", "50x60+20+15", "45x50+50+40", "30x30+65+10"}) {
         int w = 0;
         int h = 0;
