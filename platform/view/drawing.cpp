@@ -1,12 +1,7 @@
 #include "platform/view/drawing.h"
 
-#include <QAbstractTextDocumentLayout>
 #include <QFontMetricsF>
-#include <QGlyphRun>
 #include <QPainter>
-#include <QTextBlock>
-#include <QTextDocument>
-#include <QTextLayout>
 
 namespace vorla {
 namespace {
@@ -68,24 +63,6 @@ void drawText(QPainter& painter, const QString& text, const QFont& font, const Q
     painter.setFont(font);
     painter.setPen(color);
     painter.drawText(QPointF(origin.x, 0.0), text);
-}
-
-QPainterPath glyphOutlines(const QTextDocument& document, double height) {
-    QPainterPath path;
-    path.setFillRule(Qt::WindingFill);
-    document.documentLayout()->documentSize();  // has all of it laid out
-    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
-        const QTextLayout* layout = block.layout();
-        // Without a range the toolkit gives no runs of a block's layout.
-        for (const QGlyphRun& run : layout->glyphRuns(0, block.length())) {
-            const QList<quint32> glyphs = run.glyphIndexes();
-            const QList<QPointF> places = run.positions();
-            for (qsizetype i = 0; i < glyphs.size(); ++i)
-                path.addPath(run.rawFont().pathForGlyph(glyphs[i]).translated(layout->position() +
-                                                                              places[i]));
-        }
-    }
-    return QTransform(1.0, 0.0, 0.0, -1.0, 0.0, height).map(path);
 }
 
 }  // namespace vorla

@@ -3,13 +3,11 @@
 #include <QColor>
 #include <QFont>
 #include <QImage>
-#include <QPainterPath>
 #include <QString>
 
 #include "platform/base/geometry.h"
 
 class QPainter;
-class QTextDocument;
 
 namespace vorla {
 
@@ -31,10 +29,5 @@ VLSize textSize(const QString& text, const QFont& font);
 /// Draws one line of text, upright, with its lower left corner at `origin`.
 void drawText(QPainter& painter, const QString& text, const QFont& font, const QColor& color,
               VLPoint origin);
-
-/// The outlines of a laid-out document's glyphs: filled with the text's colour they look exactly as
-/// a text view that draws by outlines (a transparent `QTextCharFormat::setTextOutline` on the whole
-/// document) shows them. y upward, with the document's upper left corner at (0, `height`).
-QPainterPath glyphOutlines(const QTextDocument& document, double height);
 
 }  // namespace vorla

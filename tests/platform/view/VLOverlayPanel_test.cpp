@@ -5,8 +5,6 @@
 #include <QAccessible>
 #include <QPainter>
 #include <QTest>
-#include <QTextCursor>
-#include <QTextDocument>
 #include <QTextEdit>
 #include <QWheelEvent>
 #include <QWindow>
@@ -14,7 +12,6 @@
 #include "platform/view/PressMonitor.h"
 #include "platform/view/VLButton.h"
 #include "platform/view/VLPanel.h"
-#include "platform/view/drawing.h"
 #include "tests/support/OffscreenScreens.h"
 #include "tests/support/Pointer.h"
 
@@ -254,33 +251,5 @@ TEST_P(Overlays, ButtonsFireOnEveryReleaseThatReachesThem) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Scales, Overlays, testing::Values(1.0, 2.0));
-
-/// What is flattened into the picture is what the text showed while it was edited.
-TEST(GlyphOutlines, LookAsTheTextViewDoes) {
-    QTextDocument text;
-    text.setDocumentMargin(0);
-    QTextCharFormat format;
-    format.setFontPointSize(24);
-    format.setTextOutline(QPen(Qt::transparent, 1));
-    format.setForeground(Qt::black);
-    QTextCursor(&text).insertText(QStringLiteral("Wave\nTAxj"), format);
-    QImage shown(200, 120, QImage::Format_RGB32);
-    shown.fill(Qt::white);
-    QImage drawn = shown;
-    QPainter painter(&shown);
-    painter.setRenderHint(QPainter::Antialiasing);
-    text.drawContents(&painter);
-    QPainter outlines(&drawn);
-    outlines.setRenderHint(QPainter::Antialiasing);
-    outlines.translate(0, 120);
-    outlines.scale(1, -1);
-    outlines.fillPath(vorla::glyphOutlines(text, 120), Qt::black);
-    int unlike = 0;
-    for (int i = 0; i < 200 * 120; ++i)
-        unlike +=
-            std::abs(qRed(shown.pixel(i % 200, i / 200)) - qRed(drawn.pixel(i % 200, i / 200))) > 3;
-    EXPECT_EQ(unlike, 0);
-    EXPECT_FALSE(vorla::glyphOutlines(text, 120).isEmpty());
-}
 
 }  // namespace
