@@ -47,6 +47,27 @@ function(vorla_add_library name)
   endif()
 endfunction()
 
+# vorla_add_module(name SOURCES ... DEPENDS ... [QT])
+# A shared object for what is rarely used, loaded at need (platform/base/Module.h). It uses headers
+# of ours only, so that nothing of the libraries is in the process twice.
+function(vorla_add_module name)
+  cmake_parse_arguments(ARG "QT" "" "SOURCES;DEPENDS" ${ARGN})
+  set(target vorla_module_${name})
+  add_library(${target} MODULE ${ARG_SOURCES} ${PROJECT_SOURCE_DIR}/cmake/module.cpp)
+  vorla_configure_target(${target})
+  set_target_properties(${target} PROPERTIES PREFIX "" OUTPUT_NAME ${name}
+    LIBRARY_OUTPUT_DIRECTORY ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/vorla)
+  target_compile_definitions(${target} PRIVATE VORLA_VERSION="${PROJECT_VERSION}")
+  target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+  target_link_libraries(${target} PRIVATE ${ARG_DEPENDS})
+  target_link_options(${target} PRIVATE -Wl,-z,now -Wl,--as-needed)
+  if(ARG_QT)
+    target_link_libraries(${target} PRIVATE Qt6::Gui)
+    target_compile_definitions(${target} PRIVATE QT_NO_KEYWORDS QT_NO_CAST_TO_ASCII)
+  endif()
+  install(TARGETS ${target} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/vorla)
+endfunction()
+
 # vorla_add_program(name SOURCES ... DEPENDS ... [QT])
 function(vorla_add_program name)
   cmake_parse_arguments(ARG "QT" "" "SOURCES;DEPENDS" ${ARGN})

@@ -5,11 +5,10 @@
 #include <QPainter>
 #include <exception>
 
-#include "imaging/GifEncoding.h"
 #include "imaging/ImageHelpers.h"
-#include "imaging/Jpeg2000Encoding.h"
-#include "imaging/TiffEncoding.h"
+#include "imaging/PictureModule.h"
 #include "imaging/png/PngEncoder.h"
+#include "platform/base/Module.h"
 
 namespace vorla {
 namespace {
@@ -39,6 +38,13 @@ QByteArray writtenByQt(const QImage& image, const char* format, int quality) {
     return writer.write(opaque) ? bytes : QByteArray();
 }
 
+QByteArray encodedByModule(const char* module, const QImage& image) {
+    QByteArray bytes;
+    auto* encode = moduleFunction<EncodePicture>(module, "vorlaEncodePicture");
+    if (encode) encode(image, bytes);
+    return bytes;
+}
+
 }  // namespace
 
 QByteArray encodedImage(const QImage& image, int fileType) {
@@ -46,15 +52,15 @@ QByteArray encodedImage(const QImage& image, int fileType) {
     try {
         switch (fileType) {
             case ImageFileTypeTiff:
-                return encodedTiff(image);
+                return encodedByModule("tiff", image);
             case ImageFileTypeBmp:
                 return writtenByQt(image, "bmp", -1);
             case ImageFileTypeGif:
-                return encodedGif(image);
+                return encodedByModule("gif", image);
             case ImageFileTypeJpeg:
                 return writtenByQt(image, "jpg", kJpegQuality);
             case ImageFileTypeJpeg2000:
-                return encodedJpeg2000(image);
+                return encodedByModule("jpeg2000", image);
             default:
                 return PngEncoder::encode(image);
         }

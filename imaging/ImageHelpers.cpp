@@ -34,14 +34,6 @@ bool isHighReolution(const QImage& image) {
     return !image.isNull() && image.devicePixelRatio() > 1.0;
 }
 
-double dotsPerInch(const QImage& image) {
-    return 72.0 * image.devicePixelRatio();
-}
-
-int dotsPerMeter(const QImage& image) {
-    return static_cast<int>(std::lround(dotsPerInch(image) / 0.0254));
-}
-
 QImage imagePart(const QImage& image, const VLRect& rect) {
     if (image.isNull() || rect.isEmpty()) return {};
     const double scale = image.devicePixelRatio();

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QImage>
+#include <cmath>
 #include <string>
 
 #include "platform/base/geometry.h"
@@ -19,8 +20,12 @@ bool isHighReolution(const QImage& image);
 
 /// The resolution that a file states: a point is 1/72 inch, so a picture of a screen at twice the
 /// pixels has 144 dots per inch and opens at its natural size elsewhere.
-double dotsPerInch(const QImage& image);
-int dotsPerMeter(const QImage& image);
+inline double dotsPerInch(const QImage& image) {
+    return 72.0 * image.devicePixelRatio();
+}
+inline int dotsPerMeter(const QImage& image) {
+    return static_cast<int>(std::lround(dotsPerInch(image) / 0.0254));
+}
 
 /// A rectangle of a picture without copying a pixel: the result reads the original's memory and
 /// keeps it alive. `rect` is in points with the origin at the picture's lower left, made whole in

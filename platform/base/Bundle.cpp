@@ -20,17 +20,21 @@ namespace {
 
 using nlohmann::json;
 
+/// The directory that the library, or the program that it is linked into, was loaded from; empty
+/// where that cannot be told.
+std::filesystem::path ownFolder() {
+    Dl_info facts = {};
+    std::error_code error;
+    if (!dladdr(reinterpret_cast<const void*>(&ownFolder), &facts) || !facts.dli_fname) return {};
+    return std::filesystem::canonical(facts.dli_fname, error).parent_path();
+}
+
 /// `below` ("share/VorlaFramework") under the directory that the library was installed in; empty
 /// where it is not there.
 std::string installedPath(const std::string& below) {
-    Dl_info facts = {};
     std::error_code error;
-    if (!dladdr(reinterpret_cast<const void*>(&installedPath), &facts) || !facts.dli_fname)
-        return {};
-    const auto module = std::filesystem::canonical(facts.dli_fname, error);
     // A multiarch library directory (lib/x86_64-linux-gnu) lies one level deeper.
-    for (auto folder = module.parent_path(); folder.has_relative_path();
-         folder = folder.parent_path()) {
+    for (auto folder = ownFolder(); folder.has_relative_path(); folder = folder.parent_path()) {
         const auto candidate = folder.parent_path() / below;
         if (std::filesystem::exists(candidate, error)) return candidate.string();
     }
@@ -110,6 +114,15 @@ std::string Bundle::pathForResource(std::string_view name) const {
 
 std::string Bundle::pathForHelper(const std::string& name) {
     return installedPath("libexec/VorlaFramework/" + name);
+}
+
+std::string Bundle::pathForModule(const std::string& name) {
+    const std::string file = "vorla/" + name + ".so";
+    std::error_code error;
+    const auto folder = ownFolder();
+    const auto beside = folder / file;
+    if (!folder.empty() && std::filesystem::exists(beside, error)) return beside.string();
+    return installedPath("lib/" + file);
 }
 
 json Bundle::infoValue(std::string_view key) const {

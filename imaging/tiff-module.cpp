@@ -1,5 +1,3 @@
-#include "imaging/TiffEncoding.h"
-
 #include <tiffio.h>
 
 #include <algorithm>
@@ -7,9 +5,11 @@
 
 #include "imaging/ImageHelpers.h"
 #include "imaging/MemoryFile.h"
+#include "imaging/PictureModule.h"
 
-namespace vorla {
 namespace {
+
+using namespace vorla;
 
 constexpr uint32_t kStripBytes = 64 << 10;
 
@@ -60,11 +60,13 @@ bool setFields(TIFF* tiff, const QImage& image, bool hasAlpha) {
 
 }  // namespace
 
-QByteArray encodedTiff(const QImage& image) {
+/// RGB, or RGBA with straight alpha, 8 bits, LZW with horizontal differencing, which every reader
+/// understands.
+void vorlaEncodePicture(const QImage& image, QByteArray& bytes) {
     const bool hasAlpha = image.hasAlphaChannel();
     QImage packed =
         image.convertToFormat(hasAlpha ? QImage::Format_RGBA8888 : QImage::Format_RGB888);
-    if (packed.isNull()) return {};
+    if (packed.isNull()) return;
     MemoryFile file;
     TiffPtr tiff(TIFFClientOpen("image", "w", &file, readProc, writeProc, seekProc, closeProc,
                                 sizeProc, nullptr, nullptr));
@@ -73,7 +75,5 @@ QByteArray encodedTiff(const QImage& image) {
         done = TIFFWriteScanline(tiff.get(), packed.scanLine(y), static_cast<uint32_t>(y), 0) == 1;
     done = done && TIFFFlush(tiff.get()) == 1;
     tiff.reset();
-    return done ? file.bytes() : QByteArray();
+    if (done) bytes = file.bytes();
 }
-
-}  // namespace vorla

@@ -1,5 +1,3 @@
-#include "imaging/Jpeg2000Encoding.h"
-
 #include <openjpeg.h>
 #include <pthread.h>
 #include <signal.h>
@@ -13,9 +11,11 @@
 
 #include "imaging/ImageHelpers.h"
 #include "imaging/MemoryFile.h"
+#include "imaging/PictureModule.h"
 
-namespace vorla {
 namespace {
+
+using namespace vorla;
 
 constexpr int kResolutions = 6;
 constexpr OPJ_UINT32 kOneThreadSide = 256;  // smaller pictures are not worth starting threads
@@ -137,13 +137,11 @@ bool compress(opj_image_t* planes, MemoryFile& file) {
 
 }  // namespace
 
-QByteArray encodedJpeg2000(const QImage& image) {
+/// Lossless JP2: RGB, or RGB and straight alpha, 8 bits.
+void vorlaEncodePicture(const QImage& image, QByteArray& bytes) {
     const ImagePtr planes = planesOf(image, image.hasAlphaChannel());
     MemoryFile file;
-    if (!planes || !compress(planes.get(), file)) return {};
-    QByteArray bytes = file.bytes();
+    if (!planes || !compress(planes.get(), file)) return;
+    bytes = file.bytes();
     if (image.devicePixelRatio() != 1) addResolution(bytes, dotsPerMeter(image));
-    return bytes;
 }
-
-}  // namespace vorla

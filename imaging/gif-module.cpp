@@ -1,5 +1,3 @@
-#include "imaging/GifEncoding.h"
-
 #include <gif_lib.h>
 
 #include <algorithm>
@@ -11,9 +9,11 @@
 
 #include "imaging/ColorQuantizer.h"
 #include "imaging/MemoryFile.h"
+#include "imaging/PictureModule.h"
 
-namespace vorla {
 namespace {
+
+using namespace vorla;
 
 constexpr int kLargestSide = 65535;
 constexpr size_t kMaximumColors = 256;
@@ -170,16 +170,19 @@ int writeBytes(GifFileType* gif, const GifByteType* data, int size) {
 
 }  // namespace
 
-QByteArray encodedGif(const QImage& image) {
+/// Up to 256 colours (255 beside transparent pixels) are kept exactly; of more, the best are chosen
+/// and the rest dithered (error diffusion after Floyd and Steinberg, 1976). Pixels with an alpha
+/// below 128 become transparent, others opaque. Sides above 65535 are refused.
+void vorlaEncodePicture(const QImage& image, QByteArray& bytes) {
     const int width = image.width(), height = image.height();
-    if (width > kLargestSide || height > kLargestSide) return {};
+    if (width > kLargestSide || height > kLargestSide) return;
     const QImage source = image.convertToFormat(QImage::Format_ARGB32);
-    if (source.isNull()) return {};
+    if (source.isNull()) return;
     IndexedPicture picture = indexed(source);
     const MapPtr map = colorMap(picture.colors);
     MemoryFile file;
     GifPtr gif(EGifOpen(&file, writeBytes, nullptr));
-    if (!map || !gif) return {};
+    if (!map || !gif) return;
     EGifSetGifVersion(gif.get(), true);
     bool done = EGifPutScreenDesc(gif.get(), width, height, 8, 0, map.get()) == GIF_OK &&
                 putTransparency(gif.get(), picture.transparent) &&
@@ -188,7 +191,5 @@ QByteArray encodedGif(const QImage& image) {
         done = EGifPutLine(gif.get(), picture.pixels.data() + static_cast<ptrdiff_t>(y) * width,
                            width) == GIF_OK;
     const bool closed = EGifCloseFile(gif.release(), nullptr) == GIF_OK;
-    return done && closed ? file.bytes() : QByteArray();
+    if (done && closed) bytes = file.bytes();
 }
-
-}  // namespace vorla

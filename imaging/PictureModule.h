@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+
+namespace vorla {
+
+/// What each of the modules "tiff", "gif" and "jpeg2000" gives: the picture as a file, or empty
+/// bytes on failure. Throws std::bad_alloc.
+using EncodePicture = void(const QImage& image, QByteArray& bytes);
+
+}  // namespace vorla
+
+extern "C" [[gnu::visibility("default")]] vorla::EncodePicture vorlaEncodePicture;
