@@ -8,15 +8,16 @@ namespace {
 /// Sets one option after the other until one fails.
 class Options {
  public:
-    explicit Options(CURL* handle) : handle_(handle) {}
+    Options(const HTTPLibrary& library, CURL* handle) : library_(library), handle_(handle) {}
     template <typename T>
     Options& set(CURLoption option, T value) {
-        if (done_) done_ = curl_easy_setopt(handle_, option, value) == CURLE_OK;
+        if (done_) done_ = library_.easy_setopt(handle_, option, value) == CURLE_OK;
         return *this;
     }
     [[nodiscard]] bool done() const { return done_; }
 
  private:
+    const HTTPLibrary& library_;
     CURL* handle_;
     bool done_ = true;
 };
@@ -34,10 +35,12 @@ std::string_view trimmed(std::string_view text) {
 
 }  // namespace
 
-CURL* HTTPTransfer::prepare() {
-    handle_.reset(curl_easy_init());
+CURL* HTTPTransfer::prepare(const HTTPLibrary& library) {
+    library_ = &library;
+    headerList_ = {nullptr, CurlListDeleter{&library}};
+    handle_ = {library.easy_init(), CurlEasyDeleter{&library}};
     if (!handle_ || !setHeaderFields() || !setLimits()) return nullptr;
-    Options options(handle_.get());
+    Options options(*library_, handle_.get());
     options.set(CURLOPT_URL, request_.url.c_str())
         .set(CURLOPT_POST, 1L)
         .set(CURLOPT_POSTFIELDS, reinterpret_cast<const char*>(request_.body.data()))
@@ -63,12 +66,12 @@ bool HTTPTransfer::setHeaderFields() {
     // Without this, curl asks for permission before it sends a large body and waits for the answer.
     lines.emplace_back("Expect:");
     for (const std::string& line : lines) {
-        curl_slist* longer = curl_slist_append(headerList_.get(), line.c_str());
+        curl_slist* longer = library_->slist_append(headerList_.get(), line.c_str());
         if (!longer) return false;
         (void)headerList_.release();
         headerList_.reset(longer);
     }
-    Options options(handle_.get());
+    Options options(*library_, handle_.get());
     options.set(CURLOPT_HTTPHEADER, headerList_.get());
     const std::string encodings = request_.valueForHTTPHeaderField("Accept-Encoding");
     if (!encodings.empty()) options.set(CURLOPT_ACCEPT_ENCODING, encodings.c_str());
@@ -76,7 +79,7 @@ bool HTTPTransfer::setHeaderFields() {
 }
 
 bool HTTPTransfer::setLimits() {
-    Options options(handle_.get());
+    Options options(*library_, handle_.get());
     options.set(CURLOPT_NOSIGNAL, 1L)
         .set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits_.connect.count()))
         .set(CURLOPT_TIMEOUT_MS, static_cast<long>(limits_.total.count()))
@@ -130,12 +133,12 @@ int HTTPTransfer::onProgress(void* self, curl_off_t downTotal, curl_off_t down, 
 }
 
 HTTPResult HTTPTransfer::finish(CURLcode code) {
-    curl_easy_getinfo(handle_.get(), CURLINFO_RESPONSE_CODE, &result_.response.statusCode);
+    library_->easy_getinfo(handle_.get(), CURLINFO_RESPONSE_CODE, &result_.response.statusCode);
     if (code == CURLE_OK) {
         if (!result_.body) result_.body.emplace();
     } else {
         result_.body.reset();
-        result_.error = curl_easy_strerror(code);
+        result_.error = library_->easy_strerror(code);
     }
     return std::move(result_);
 }

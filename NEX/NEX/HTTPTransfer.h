@@ -1,13 +1,12 @@
 #pragma once
 
-#include <curl/curl.h>
-
 #include <chrono>
 #include <cstddef>
 #include <functional>
 #include <memory>
 
 #include "NEX/NEX+PAK/RMIModelNEX/HTTPMessage.h"
+#include "NEX/NEX/HTTPModule.h"
 
 namespace vorla {
 
@@ -29,10 +28,12 @@ struct HTTPLimits {
 using HTTPProgress = std::function<void(int64_t done, int64_t total)>;
 
 struct CurlEasyDeleter {
-    void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
+    const HTTPLibrary* library = nullptr;
+    void operator()(CURL* handle) const { library->easy_cleanup(handle); }
 };
 struct CurlListDeleter {
-    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+    const HTTPLibrary* library = nullptr;
+    void operator()(curl_slist* list) const { library->slist_free_all(list); }
 };
 
 /// One request and its answer on a curl handle. Redirects are not followed (a redirected POST would
@@ -50,7 +51,7 @@ class HTTPTransfer {
     HTTPProgress downloadProgress;
 
     /// The handle, ready to run, or null when curl refuses the request (out of memory).
-    CURL* prepare();
+    CURL* prepare(const HTTPLibrary& library);
 
     /// The outcome, once curl is done with the handle.
     HTTPResult finish(CURLcode code);
@@ -67,6 +68,7 @@ class HTTPTransfer {
     HTTPLimits limits_;
     HTTPResult result_;
     size_t headerBytes_ = 0;
+    const HTTPLibrary* library_ = nullptr;
     std::unique_ptr<curl_slist, CurlListDeleter> headerList_;
     std::unique_ptr<CURL, CurlEasyDeleter> handle_;
 };

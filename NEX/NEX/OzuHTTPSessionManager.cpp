@@ -20,7 +20,8 @@ using vorla::HTTPResult;
 using vorla::HTTPTransfer;
 
 struct CurlMultiDeleter {
-    void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+    const vorla::HTTPLibrary* library = nullptr;
+    void operator()(CURLM* multi) const { library->multi_cleanup(multi); }
 };
 
 /// A request and the handler of its end.
@@ -62,6 +63,8 @@ struct OzuHTTPSessionManager::State {
     const vorla::HTTPLimits limits;
     std::mutex mutex;
     std::vector<Task> pending;
+    /// Set before `multi`, and for good.
+    const vorla::HTTPLibrary* library = nullptr;
     std::unique_ptr<CURLM, CurlMultiDeleter> multi;
     bool pumping = false;
     bool stopping = false;
@@ -73,10 +76,10 @@ struct OzuHTTPSessionManager::State {
     void add(Task task);
     void pump();
     bool beginPending(std::vector<std::pair<Task, HTTPResult>>& ended);
-    void collectFinished(std::vector<std::pair<Task, HTTPResult>>& ended);
+    void perform(std::vector<std::pair<Task, HTTPResult>>& ended);
     bool mayRest();
     void wake() const {
-        if (multi) curl_multi_wakeup(multi.get());
+        if (multi) library->multi_wakeup(multi.get());
     }
 };
 
@@ -104,19 +107,20 @@ void OzuHTTPSessionManager::State::add(Task task) {
 
 bool OzuHTTPSessionManager::State::beginPending(std::vector<std::pair<Task, HTTPResult>>& ended) {
     std::vector<Task> begun;
+    const vorla::HTTPLibrary* loaded = prepareLibraries();
     {
         const std::lock_guard lock(mutex);
         if (stopping) return false;
-        if (!multi) {
-            prepareLibraries();
-            multi.reset(curl_multi_init());
+        if (loaded && !multi) {
+            library = loaded;
+            multi = {library->multi_init(), CurlMultiDeleter{library}};
             waker = ExitGate::shared().addWaker([this] { wake(); });
         }
         begun.swap(pending);
     }
     for (Task& task : begun) {
-        CURL* handle = multi ? task.transfer->prepare() : nullptr;
-        if (handle && curl_multi_add_handle(multi.get(), handle) == CURLM_OK)
+        CURL* handle = multi ? task.transfer->prepare(*library) : nullptr;
+        if (handle && library->multi_add_handle(multi.get(), handle) == CURLM_OK)
             running.emplace(handle, std::move(task));
         else
             ended.emplace_back(std::move(task), failure("the request cannot be sent"));
@@ -124,14 +128,15 @@ bool OzuHTTPSessionManager::State::beginPending(std::vector<std::pair<Task, HTTP
     return true;
 }
 
-void OzuHTTPSessionManager::State::collectFinished(
-    std::vector<std::pair<Task, HTTPResult>>& ended) {
+void OzuHTTPSessionManager::State::perform(std::vector<std::pair<Task, HTTPResult>>& ended) {
+    int active = 0;
+    library->multi_perform(multi.get(), &active);
     int left = 0;
-    while (const CURLMsg* message = curl_multi_info_read(multi.get(), &left)) {
+    while (const CURLMsg* message = library->multi_info_read(multi.get(), &left)) {
         if (message->msg != CURLMSG_DONE) continue;
         const auto found = running.find(message->easy_handle);
         const CURLcode code = message->data.result;
-        curl_multi_remove_handle(multi.get(), found->first);
+        library->multi_remove_handle(multi.get(), found->first);
         HTTPResult result = found->second.transfer->finish(code);
         checkContentType(result);
         found->second.transfer.reset();
@@ -153,11 +158,9 @@ void OzuHTTPSessionManager::State::pump() {
         {
             const ExitGate::Stay stay;
             if (!beginPending(ended)) return;
-            int active = 0;
-            curl_multi_perform(multi.get(), &active);
-            collectFinished(ended);
+            if (multi) perform(ended);
             for (auto& [task, result] : ended) task.complete(std::move(result));
-            if (ended.empty()) curl_multi_poll(multi.get(), nullptr, 0, 1000, nullptr);
+            if (ended.empty()) library->multi_poll(multi.get(), nullptr, 0, 1000, nullptr);
         }
         resting = mayRest();
     }
@@ -183,16 +186,23 @@ const std::shared_ptr<OzuHTTPSessionManager>& OzuHTTPSessionManager::sharedInsta
     return *instance;
 }
 
-void OzuHTTPSessionManager::prepareLibraries() {
-    static std::once_flag once;
-    std::call_once(once, [] {
+const vorla::HTTPLibrary* OzuHTTPSessionManager::prepareLibraries() {
+    const vorla::HTTPLibrary* library = vorla::httpLibrary();
+    static std::once_flag ciphers;
+    std::call_once(ciphers, [] {
         ExitGate::shared().install();
         const ExitGate::Stay stay;
         // A library must not leave an exit handler behind that frees what its threads still use. If
         // the host has done this already, its handler runs after ours.
         OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
-        curl_global_init(CURL_GLOBAL_ALL);
     });
+    static std::once_flag requests;
+    if (library)
+        std::call_once(requests, [library] {
+            const ExitGate::Stay stay;
+            library->global_init(CURL_GLOBAL_ALL);
+        });
+    return library;
 }
 
 void OzuHTTPSessionManager::dataTaskWithRequest(vorla::HTTPRequest request,

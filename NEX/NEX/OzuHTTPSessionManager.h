@@ -37,8 +37,9 @@ class OzuHTTPSessionManager {
     static const std::set<std::string, std::less<>>& acceptableContentTypes();
 
     /// Loads what requests and ciphers need, in a way that the host's exit leaves it alone. Takes
-    /// milliseconds the first time: not for the main thread.
-    static void prepareLibraries();
+    /// milliseconds the first time: not for the main thread. Null, with the reason in the log, when
+    /// no requests can be sent.
+    static const vorla::HTTPLibrary* prepareLibraries();
 
  private:
     struct State;
