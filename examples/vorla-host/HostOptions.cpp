@@ -1,37 +1,29 @@
 #include "HostOptions.h"
 
 #include <QCommandLineParser>
+#include <algorithm>
 #include <cstdio>
+
+#include <vorla/VLCapture.h>
 
 namespace {
 
-bool readCrash(const QCommandLineParser& parser, HostOptions& options) {
-    const std::string when = parser.value("crash-when").toStdString();
-    options.crashWhenPanels = when == "panels";
-    if (!when.empty() && when != "ready" && when != "panels") {
-        std::fprintf(stderr, "unknown event: %s\n", when.c_str());
-        return false;
-    }
-    if (!parser.isSet("crash")) return true;
-    const std::string kind = parser.value("crash").toStdString();
-    options.crash = crashKind(kind);
-    if (options.crash) return true;
-    std::fprintf(stderr, "%s\n", kind == "list" ? "" : ("unknown kind: " + kind).c_str());
-    for (const CrashKind& known : crashKinds())
-        std::fprintf(stderr, "%-20s%s\n", known.name.data(), known.what.data());
-    return false;
-}
+constexpr double longestDelay = 3600.0;
 
-}  // namespace
-
-std::optional<HostOptions> HostOptions::parse(const QStringList& arguments) {
-    QCommandLineParser parser;
+void addOptions(QCommandLineParser& parser) {
     parser.setApplicationDescription(
-        "Sample host of the capture framework. Prints what it hears as one JSON object a line.");
-    const QCommandLineOption help = parser.addHelpOption();
+        "Captures windows and regions of the screen. Without options it opens its window and stays "
+        "in the tray.\nPrints what it hears as one JSON object a line.");
     parser.addOptions({
+        {{"h", "help"}, "Show this help and exit."},
+        {{"v", "version"}, "Show the version and exit."},
         {"once", "Start a capture at launch, exit after the session."},
-        {"out", "Write the delivered PNG to <file>.", "file"},
+        {"capture", "Have the running program start a capture; else start it, and one in it."},
+        {"delay", "Wait <seconds> before the capture.", "seconds"},
+        {"out",
+         "Write the delivered picture to <file>; - is standard output, and the events then go to "
+         "standard error.",
+         "file"},
         {"show-switch", "Offer the switch to the recorder."},
         {"silent-save", "Save to the last place without asking."},
         {"commands",
@@ -45,12 +37,44 @@ std::optional<HostOptions> HostOptions::parse(const QStringList& arguments) {
         {"crash", "Die in the way of <kind>; \"list\" lists them.", "kind"},
         {"crash-when", "Die after that event: ready (the default) or panels.", "event"},
     });
-    const bool understood = parser.parse(arguments);
-    if (!understood) std::fprintf(stderr, "%s\n", qPrintable(parser.errorText()));
-    if (understood && parser.isSet(help)) std::fputs(qPrintable(parser.helpText()), stdout);
-    if (!understood || parser.isSet(help)) return std::nullopt;
-    HostOptions options;
+}
+
+bool refuse(const QString& reason) {
+    std::fprintf(stderr, "vorla-host: %s\n", qPrintable(reason));
+    return false;
+}
+
+bool readCrash(const QCommandLineParser& parser, HostOptions& options) {
+    const QString when = parser.value("crash-when");
+    options.crashWhenPanels = when == u"panels";
+    if (!when.isEmpty() && when != u"ready" && when != u"panels")
+        return refuse("unknown event: " + when);
+    if (!parser.isSet("crash")) return true;
+    const QString kind = parser.value("crash");
+    options.crash = crashKind(kind.toStdString());
+    if (options.crash) return true;
+    if (kind != u"list") refuse("unknown kind: " + kind);
+    for (const CrashKind& known : crashKinds())
+        std::fprintf(stderr, "%-20s%s\n", known.name.data(), known.what.data());
+    return false;
+}
+
+bool readDelay(const QCommandLineParser& parser, HostOptions& options) {
+    if (!parser.isSet("delay")) return true;
+    if (!options.once && !options.capture) return refuse("--delay needs --once or --capture");
+    bool isNumber = false;
+    const double seconds = parser.value("delay").toDouble(&isNumber);
+    if (!isNumber || !(seconds >= 0.0 && seconds <= longestDelay))
+        return refuse("--delay needs a number of seconds from 0 to 3600");
+    options.delay = std::chrono::milliseconds(qRound(seconds * 1000.0));
+    return true;
+}
+
+bool readAll(const QCommandLineParser& parser, HostOptions& options) {
+    if (!parser.positionalArguments().isEmpty())
+        return refuse("unexpected argument: " + parser.positionalArguments().first());
     options.once = parser.isSet("once");
+    options.capture = parser.isSet("capture");
     options.showSwitch = parser.isSet("show-switch");
     options.silentSave = parser.isSet("silent-save");
     options.commands = parser.isSet("commands");
@@ -60,6 +84,35 @@ std::optional<HostOptions> HostOptions::parse(const QStringList& arguments) {
     options.stateDir = parser.value("state-dir");
     options.statURL = parser.value("stat-url");
     options.crashURL = parser.value("crash-url");
-    if (!readCrash(parser, options)) return std::nullopt;
+    const QStringList names = parser.optionNames();
+    options.shared = std::all_of(names.begin(), names.end(), [](const QString& name) {
+        return name == u"capture" || name == u"delay" || name == u"state-dir";
+    });
+    if (options.once && options.capture) return refuse("--once and --capture exclude each other");
+    if (parser.isSet("out") && options.outFile.isEmpty()) return refuse("--out needs a file");
+    return readDelay(parser, options) && readCrash(parser, options);
+}
+
+}  // namespace
+
+std::variant<HostOptions, ExitStatus> HostOptions::parse(const QStringList& arguments) {
+    QCommandLineParser parser;
+    addOptions(parser);
+    if (!parser.parse(arguments)) {
+        refuse(parser.errorText());
+        return ExitStatus::BadArguments;
+    }
+    if (parser.isSet("help")) {
+        // There is no application object yet that would know its name.
+        std::fputs(qPrintable(parser.helpText().replace("<executable_name>", "vorla-host")),
+                   stdout);
+        return ExitStatus::Delivered;
+    }
+    if (parser.isSet("version")) {
+        std::printf("vorla-host %s\n", VorlaFrameworkVersionString);
+        return ExitStatus::Delivered;
+    }
+    HostOptions options;
+    if (!readAll(parser, options)) return ExitStatus::BadArguments;
     return options;
 }

@@ -1,29 +1,47 @@
 #pragma once
 
-#include <QLabel>
-#include <QMenu>
-#include <QPushButton>
 #include <QWidget>
 #include <functional>
 
-/// The host's window: a button that captures, and the last picture.
+#include "CaptureSession.h"
+#include "HostActions.h"
+
+class PicturePreview;
+class QLabel;
+class QPushButton;
+
+/// The program's window: captures, and shows the last picture, what it is and where it went.
 class HostWindow : public QWidget {
  public:
-    explicit HostWindow(std::function<void()> capture);
+    /// The actions outlive the window. `closed` is called instead of closing it.
+    HostWindow(HostActions& actions, std::function<void()> closed);
 
-    void showPicture(const QImage& picture, const QString& message);
-    /// The window's menu, also the tray's. The window owns it.
-    [[nodiscard]] QMenu* menu() const { return menu_; }
-    void showMessage(const QString& message);
+    void showOutcome(const Outcome& outcome);
 
  protected:
     void resizeEvent(QResizeEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
 
  private:
-    void fitPicture();
+    void makeOwnActions();
+    void makeMenuBar(HostActions& actions);
+    QLayout* makeHeader(HostActions& actions);
+    QLayout* makeFooter();
+    void showPicture(const Outcome& outcome);
+    void setMessage(const QString& title, const QString& detail);
+    void elideDetail();
+    void copyAgain();
+    void saveAs();
+    void openFolder();
 
-    QPixmap picture_;
-    QMenu* menu_;
-    QLabel* view_;
-    QLabel* message_;
+    std::function<void()> closed_;
+    QByteArray png_;
+    QString savedTo_;
+    QString detail_;
+    QAction* copy_;
+    QAction* save_;
+    QAction* folder_;
+    PicturePreview* preview_;
+    QLabel* titleLabel_;
+    QLabel* detailLabel_;
 };
