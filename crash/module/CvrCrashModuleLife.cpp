@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr const char* notificationActive = "NSApplicationWillBecomeActiveNotification";
-constexpr const char* notificationInactive = "NSApplicationWillResignActiveNotification";
 constexpr int64_t shortestGap = 1000;
 constexpr unsigned longestTimerSlack = 600;
 
@@ -19,8 +17,11 @@ constexpr unsigned longestTimerSlack = 600;
 void CvrCrashModule::registObserver() {
     const std::lock_guard lock(mutex_);
     observers_.clear();
-    observers_.observe(notificationActive, [this](const auto&) { appResumed(); });
-    observers_.observe(notificationInactive, [this](const auto&) { appEnterBackground(); });
+    observers_.observe(vorla::NSApplicationWillBecomeActiveNotification,
+                       [this](const auto&) { appResumed(); });
+    for (const char* name : {vorla::NSApplicationWillResignActiveNotification,
+                             vorla::NSApplicationDidResignActiveNotification})
+        observers_.observe(name, [this](const auto&) { appEnterBackground(); });
 }
 
 void CvrCrashModule::unregistObserver() {
@@ -103,8 +104,11 @@ void CvrCrashModule::saveSummary(CvrStartType startType, int64_t time) {
 void CvrCrashModule::insertUserChangeSm() {
     if (!isEnabled() || !isStarted()) return;
     CvrLogInfo("<INFO> CVR: create one summary info for user change");
-    saveSummary(CvrStartTypeUserChange, model().now());
-    scheduler().async([this] { userInfoUpload_.startUserInfoUpload(); });
+    // The store may wait for another process: not on the host's thread.
+    scheduler().async([this, info = creatSummaryInfo(CvrStartTypeUserChange, model().now())] {
+        if (info) store().saveOneData(*info);
+        userInfoUpload_.startUserInfoUpload();
+    });
 }
 
 void CvrCrashModule::initDailySummaryInfoTimer() {

@@ -51,6 +51,19 @@ class NotificationCenter {
     std::unique_ptr<State> state_;
 };
 
+/// The user turns to the program: one of its windows has the keyboard. Main thread.
+inline constexpr const char* NSApplicationWillBecomeActiveNotification =
+    "NSApplicationWillBecomeActiveNotification";
+/// The user has left a capture for another program: by a key of the window manager's or a press,
+/// or because that program keeps the keyboard although the key panel asked for it back many times.
+/// Ends the capture. Main thread.
+inline constexpr const char* NSApplicationWillResignActiveNotification =
+    "NSApplicationWillResignActiveNotification";
+/// None of the program's windows has the keyboard any more. A capture goes on: it starts like that
+/// when the host hides its window, and takes the keyboard back when it is stolen. Main thread.
+inline constexpr const char* NSApplicationDidResignActiveNotification =
+    "NSApplicationDidResignActiveNotification";
+
 /// The observations of one object: they end with it, or with `clear`.
 class NotificationObservers {
  public:

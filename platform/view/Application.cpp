@@ -11,6 +11,7 @@
 
 #include "platform/base/Bundle.h"
 #include "platform/base/MainQueue.h"
+#include "platform/base/NotificationCenter.h"
 #include "platform/base/VLLog.h"
 #include "platform/base/raii.h"
 
@@ -35,6 +36,12 @@ class EventLoopBackend : public MainQueue::Backend {
     }
 };
 
+void tellOfActivation(Qt::ApplicationState state) {
+    NotificationCenter::defaultCenter().post(state == Qt::ApplicationActive
+                                                 ? NSApplicationWillBecomeActiveNotification
+                                                 : NSApplicationDidResignActiveNotification);
+}
+
 void detachFromApplication() {
     MainQueue::setBackend(nullptr);
 }
@@ -56,6 +63,7 @@ bool attachToApplication() {
         attached = qApp;
         HostIdentity::setDisplayName(QGuiApplication::applicationDisplayName().toStdString());
         MainQueue::setBackend(std::make_shared<EventLoopBackend>());
+        QObject::connect(qApp, &QGuiApplication::applicationStateChanged, qApp, tellOfActivation);
         qAddPostRoutine([] {
             attached = nullptr;
             detachFromApplication();

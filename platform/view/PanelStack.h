@@ -10,10 +10,6 @@ namespace vorla {
 
 class PanelSurface;
 
-/// Posted when the user has left for another program: by a key of the window manager's or a press,
-/// or because that program keeps the keyboard although the key panel asked for it back many times.
-inline constexpr const char* NSApplicationWillResignActiveNotification =
-    "NSApplicationWillResignActiveNotification";
 /// Posted when the last of the host's own windows is minimised while panels are up.
 inline constexpr const char* NSApplicationWillHideNotification =
     "NSApplicationWillHideNotification";
