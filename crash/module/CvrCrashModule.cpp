@@ -82,7 +82,9 @@ void CvrCrashModule::finishStart() {
             return;
         }
     }
-    const std::string tavim = CvrBundleUtil::getTavim(model(), environment_.keys);
+    // Of use to a server only, and the key store takes its time.
+    const std::string tavim =
+        hasEndpoint() ? CvrBundleUtil::getTavim(model(), environment_.keys) : std::string();
     std::string device = model().facts().openudid;
     if (device.empty()) device = CvrBundleUtil::getAnaOpenUdid(model(), environment_.keys);
     model().change([&](CvrModelBase::Facts& facts) {

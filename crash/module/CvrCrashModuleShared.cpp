@@ -1,5 +1,6 @@
 // The one module of the process, on the process's own things.
 #include "crash/facts/CvrFileKeyStore.h"
+#include "crash/facts/CvrSecretKeyStore.h"
 #include "crash/module/CvrBackgroundScheduler.h"
 #include "crash/module/CvrCrashModule.h"
 #include "crash/module/CvrHandlerCapture.h"
@@ -22,7 +23,8 @@ struct World {
     CvrHandlerCapture capture;
     CvrBackgroundScheduler scheduler;
     CvrHttpTransport transport;
-    CvrFileKeyStore keys{CvrModelBase::defaultFolder()};
+    CvrFileKeyStore keyFile{CvrModelBase::defaultFolder()};
+    CvrSecretKeyStore keys{keyFile};
     CvrCrashModule module{{CvrModelBase::getDefualtAnaModel(),
                            CvrFilePersistHandler::sharedInstance(), capture, scheduler, transport,
                            keys, &syncEndpoint, &CvrNetworkUtil::networkAvaliable}};

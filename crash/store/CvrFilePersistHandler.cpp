@@ -14,7 +14,6 @@ namespace {
 using vorla::StoreFolder;
 namespace crash_index = vorla::crash_index;
 
-constexpr std::chrono::milliseconds longestWait(1000);
 constexpr size_t largestStrategy = size_t{64} * 1024;
 
 }  // namespace

@@ -16,7 +16,7 @@
 ///
 /// Several processes of one host may use a folder at once: whatever depends on the index or the
 /// user records takes them from disk first, and changes are made under a lock on the folder. What
-/// cannot be read counts as absent. Any thread; may wait for the disk and, a second at most, for
+/// cannot be read counts as absent. Any thread; may wait for the disk and, 5 seconds at most, for
 /// another process, which is no longer waited for then.
 class CvrFilePersistHandler {
  public:
@@ -105,6 +105,10 @@ class CvrFilePersistHandler {
     static constexpr const char* strategyName = ".new_strategy.data";
 
  private:
+    /// For another process, which then is stopped or has died on a disk that hangs: its lock counts
+    /// no more.
+    static constexpr std::chrono::seconds longestWait{5};
+
     using Entries = vorla::crash_index::Entries;
 
     [[nodiscard]] std::optional<vorla::StoreFolder> openFolder() const;

@@ -9,7 +9,6 @@ namespace {
 
 using Archives = std::vector<std::vector<uint8_t>>;
 
-constexpr std::chrono::milliseconds longestWait(1000);
 constexpr size_t largestFile = size_t{1024} * 1024;
 /// A day leaves few. More than these are not kept, the oldest go.
 constexpr size_t mostRecords = 1000;

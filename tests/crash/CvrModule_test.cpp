@@ -175,6 +175,7 @@ TEST_F(CvrModule, EachDayAndEachUserMakesARecord) {
     time.pass(24h);
     EXPECT_EQ(infos().size(), 2U);
     run().module.insertUserChangeSm();
+    time.pass(1ms);
     EXPECT_EQ(infos().back().startType, CvrStartTypeUserChange);
     EXPECT_FALSE(run().capture.prepared.userInfoFileBytes.empty());
     run().module.appEnterBackground();
@@ -189,14 +190,14 @@ TEST_F(CvrModule, ActivationsAreHeardOnceASecond) {
     start();
     enable();
     auto& center = vorla::NotificationCenter::defaultCenter();
-    const auto activate = [&] { center.post("NSApplicationWillBecomeActiveNotification"); };
+    const auto activate = [&] { center.post(vorla::NSApplicationWillBecomeActiveNotification); };
     server.seen.clear();
     run().module.strategyQueryHandler().setQueryInterval(100);
     activate();
     activate();
     time.pass(999ms);
     EXPECT_EQ(run().model.facts().resumeTime, time.now - 999);
-    center.post("NSApplicationWillResignActiveNotification");
+    center.post(vorla::NSApplicationDidResignActiveNotification);
     EXPECT_EQ(run().capture.prepared.backGroundTime, time.now);
     // An interval below the shortest counts as a day.
     time.pass(23h);

@@ -10,9 +10,11 @@
 
 #include "crash/facts/CvrDeviceUtil.h"
 #include "crash/facts/CvrFileKeyStore.h"
+#include "crash/facts/CvrSecretKeyStore.h"
 #include "crash/store/CvrFilePersistHandler.h"
 #include "platform/base/files.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace {
@@ -330,6 +332,33 @@ TEST(CvrFileKeyStore, KeepsItemsForTheUserAlone) {
     EXPECT_EQ(modeOf(folder / "keys/.cvr_keys.data"), 0600U);
     EXPECT_TRUE(keys.deleteItemForUsername("account", "service"));
     EXPECT_EQ(keys.getPasswordForUsername("account", "service"), std::nullopt);
+}
+
+TEST(CvrSecretKeyStore, FallsBackToTheFileAndCarriesItsKeysOver) {
+    const TemporaryFolder folder;
+    const vorla::test::ScopedEnvironment bus({{"DBUS_SESSION_BUS_ADDRESS", folder.path()}});
+    CvrFileKeyStore file(folder.path());
+    const auto service = [&](const std::string& does) {
+        const std::string program = folder / "service";
+        std::ofstream(program) << "#!/bin/sh\ncd " << folder.path() << "\n" << does << "\n";
+        std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+        return CvrSecretKeyStore(file, program);
+    };
+    const std::string works =
+        "case $1 in get) [ -e S ] && printf F && cat S || printf N;;"
+        "set) cat > S; printf S;; esac";
+    for (const char* broken : {"exit 1", "kill -9 $$", "sleep 4", "head -c 100000 /dev/zero"}) {
+        CvrSecretKeyStore keys = service(broken);
+        EXPECT_TRUE(keys.storeUsername("account", broken, "service", true)) << broken;
+        EXPECT_EQ(keys.getPasswordForUsername("account", "service"), broken);
+    }
+    CvrSecretKeyStore keys = service(works);
+    EXPECT_TRUE(keys.getPasswordForUsername("account", "service"));
+    EXPECT_EQ(vorla::readFile(folder / "S"), "head -c 100000 /dev/zero");
+    EXPECT_TRUE(keys.storeUsername("account", "new", "service", true));
+    EXPECT_TRUE(keys.storeUsername("other", "secret", "service", true));
+    EXPECT_EQ(file.getPasswordForUsername("account", "service"), "new");
+    EXPECT_EQ(file.getPasswordForUsername("other", "service"), std::nullopt);
 }
 
 }  // namespace
