@@ -47,6 +47,9 @@ function(vorla_add_library name)
   endif()
 endfunction()
 
+# The directory of the modules, beside the libraries.
+set(VORLA_MODULES vorla-${PROJECT_VERSION_MAJOR})
+
 # vorla_add_module(name SOURCES ... DEPENDS ... [QT])
 # A shared object for what is rarely used, loaded at need (platform/base/Module.h). It uses headers
 # of ours only, so that nothing of the libraries is in the process twice.
@@ -56,7 +59,7 @@ function(vorla_add_module name)
   add_library(${target} MODULE ${ARG_SOURCES} ${PROJECT_SOURCE_DIR}/cmake/module.cpp)
   vorla_configure_target(${target})
   set_target_properties(${target} PROPERTIES PREFIX "" OUTPUT_NAME ${name}
-    LIBRARY_OUTPUT_DIRECTORY ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/vorla)
+    LIBRARY_OUTPUT_DIRECTORY ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/${VORLA_MODULES})
   target_compile_definitions(${target} PRIVATE VORLA_VERSION="${PROJECT_VERSION}")
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
   target_link_libraries(${target} PRIVATE ${ARG_DEPENDS})
@@ -65,7 +68,7 @@ function(vorla_add_module name)
     target_link_libraries(${target} PRIVATE Qt6::Gui)
     target_compile_definitions(${target} PRIVATE QT_NO_KEYWORDS QT_NO_CAST_TO_ASCII)
   endif()
-  install(TARGETS ${target} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/vorla)
+  install(TARGETS ${target} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/${VORLA_MODULES})
 endfunction()
 
 # vorla_add_program(name SOURCES ... DEPENDS ... [QT])

@@ -1,7 +1,5 @@
 #include "NEX/NEX/OzuHTTPSessionManager.h"
 
-#include <openssl/crypto.h>
-
 #include <map>
 #include <mutex>
 #include <system_error>
@@ -187,21 +185,11 @@ const std::shared_ptr<OzuHTTPSessionManager>& OzuHTTPSessionManager::sharedInsta
 }
 
 const vorla::HTTPLibrary* OzuHTTPSessionManager::prepareLibraries() {
+    ExitGate::shared().install();
+    const ExitGate::Stay stay;
     const vorla::HTTPLibrary* library = vorla::httpLibrary();
-    static std::once_flag ciphers;
-    std::call_once(ciphers, [] {
-        ExitGate::shared().install();
-        const ExitGate::Stay stay;
-        // A library must not leave an exit handler behind that frees what its threads still use. If
-        // the host has done this already, its handler runs after ours.
-        OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
-    });
-    static std::once_flag requests;
-    if (library)
-        std::call_once(requests, [library] {
-            const ExitGate::Stay stay;
-            library->global_init(CURL_GLOBAL_ALL);
-        });
+    static std::once_flag once;
+    if (library) std::call_once(once, [library] { library->global_init(CURL_GLOBAL_ALL); });
     return library;
 }
 

@@ -36,7 +36,7 @@ class OzuHTTPSessionManager {
     /// with an error that says so.
     static const std::set<std::string, std::less<>>& acceptableContentTypes();
 
-    /// Loads what requests and ciphers need, in a way that the host's exit leaves it alone. Takes
+    /// Loads what requests need, in a way that the host's exit leaves it alone. Takes
     /// milliseconds the first time: not for the main thread. Null, with the reason in the log, when
     /// no requests can be sent.
     static const vorla::HTTPLibrary* prepareLibraries();

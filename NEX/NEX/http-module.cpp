@@ -1,5 +1,7 @@
 #include "NEX/NEX/HTTPModule.h"
 
+#include <openssl/crypto.h>
+
 const vorla::HTTPLibrary* vorlaHTTPLibrary() {
     static constexpr vorla::HTTPLibrary library = {
         .global_init = curl_global_init,
@@ -19,5 +21,8 @@ const vorla::HTTPLibrary* vorlaHTTPLibrary() {
         .multi_info_read = curl_multi_info_read,
         .multi_cleanup = curl_multi_cleanup,
     };
+    // The library below it must not leave an exit handler behind that frees what threads still use.
+    // If the host has used it already, its handler runs after ours.
+    OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
     return &library;
 }

@@ -3,7 +3,7 @@
 // What is deprecated about the plain functions is that no provider stands behind them. Those that
 // do ask a provider take memory and locks.
 #define OPENSSL_SUPPRESS_DEPRECATED
-#include <openssl/md5.h>
+#include <md5.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -260,9 +260,10 @@ void RecordFile::writeSession(ArchiveWriter& writer) {
 void writeHash(std::span<const std::string_view> texts, char (&hash)[32]) {
     MD5_CTX context;
     unsigned char digest[MD5_DIGEST_LENGTH];
-    MD5_Init(&context);
-    for (const std::string_view text : texts) MD5_Update(&context, text.data(), text.size());
-    MD5_Final(digest, &context);
+    MD5Init(&context);
+    for (const std::string_view text : texts)
+        MD5Update(&context, reinterpret_cast<const uint8_t*>(text.data()), text.size());
+    MD5Final(digest, &context);
     for (size_t i = 0; i < sizeof digest; ++i) {
         hash[2 * i] = "0123456789ABCDEF"[digest[i] >> 4];
         hash[2 * i + 1] = "0123456789ABCDEF"[digest[i] & 0xF];

@@ -117,7 +117,7 @@ std::string Bundle::pathForHelper(const std::string& name) {
 }
 
 std::string Bundle::pathForModule(const std::string& name) {
-    const std::string file = "vorla/" + name + ".so";
+    const std::string file = VORLA_MODULES "/" + name + ".so";
     std::error_code error;
     const auto folder = ownFolder();
     const auto beside = folder / file;
