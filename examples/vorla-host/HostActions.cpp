@@ -1,14 +1,11 @@
 #include "HostActions.h"
 
-#include <QGuiApplication>
-#include <QPalette>
-
 #include "HostIcon.h"
 #include "Translation.h"
 
 HostActions::HostActions() {
     capture.setText(text("&Capture"));
-    capture.setIcon(captureGlyph(QGuiApplication::palette().color(QPalette::Text)));
+    capture.setIcon(captureGlyph(QPalette::Text, QPalette::HighlightedText));
     capture.setShortcut(QKeySequence("Ctrl+N"));
     captureLater.setText(text("Capture in &3 s"));
     captureLater.setShortcut(QKeySequence("Ctrl+Shift+N"));
@@ -20,7 +17,7 @@ HostActions::HostActions() {
     about.setIcon(QIcon::fromTheme("help-about"));
     quit.setText(text("&Quit"));
     quit.setIcon(QIcon::fromTheme("application-exit"));
-    quit.setShortcut(QKeySequence::Quit);
+    quit.setShortcut(QKeySequence("Ctrl+Q"));
     // They work in the window only, and are no news in the tray's menu.
     for (QAction* action : {&capture, &captureLater, &preferences, &quit})
         action->setShortcutVisibleInContextMenu(false);

@@ -62,7 +62,7 @@ HostWindow::HostWindow(HostActions& actions, std::function<void()> closed)
 }
 
 void HostWindow::makeOwnActions() {
-    copy_->setText(text("&Copy Again"));
+    copy_->setText(text("C&opy Again"));
     copy_->setIcon(QIcon::fromTheme("edit-copy"));
     copy_->setShortcut(QKeySequence::Copy);
     QObject::connect(copy_, &QAction::triggered, this, [this] { copyAgain(); });
@@ -70,7 +70,7 @@ void HostWindow::makeOwnActions() {
     save_->setIcon(QIcon::fromTheme("document-save-as"));
     save_->setShortcut(QKeySequence::Save);
     QObject::connect(save_, &QAction::triggered, this, [this] { saveAs(); });
-    folder_->setText(text("Open &Folder"));
+    folder_->setText(text("Open Fol&der"));
     folder_->setIcon(QIcon::fromTheme("folder-open"));
     QObject::connect(folder_, &QAction::triggered, this, [this] { openFolder(); });
     for (QAction* action : {copy_, save_, folder_}) action->setEnabled(false);
@@ -83,8 +83,8 @@ void HostWindow::makeMenuBar(HostActions& actions) {
     file->addSeparator();
     file->addActions({save_, folder_});
     file->addSeparator();
-    QAction* close = file->addAction(text("&Close"), this, &QWidget::close);
-    close->setShortcut(QKeySequence::Close);
+    QAction* close = file->addAction(text("C&lose"), this, &QWidget::close);
+    close->setShortcut(QKeySequence("Ctrl+W"));
     file->addAction(&actions.quit);
     QMenu* edit = bar->addMenu(text("&Edit"));
     edit->addActions({copy_, &actions.preferences});
@@ -114,7 +114,7 @@ QLayout* HostWindow::makeHeader(HostActions& actions) {
 
     QPushButton* capture = makeButton(&actions.capture, this);
     capture->setDefault(true);
-    capture->setIcon(captureGlyph(palette().color(QPalette::ButtonText)));
+    capture->setIcon(captureGlyph(QPalette::ButtonText, QPalette::ButtonText));
     capture->setIconSize({24, 24});
     capture->setMinimumSize(120, 40);
     QPushButton* later = makeButton(&actions.captureLater, this);

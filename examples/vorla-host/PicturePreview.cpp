@@ -70,8 +70,8 @@ void PicturePreview::paintHint(QPainter& painter) const {
     const int flags = Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap;
     const int textHeight = painter.fontMetrics().boundingRect(text, flags, hint_).height();
     const int top = (height() - glyphSize - margin - textHeight) / 2;
-    captureGlyph(color).paint(&painter,
-                              QRect((width() - glyphSize) / 2, top, glyphSize, glyphSize));
+    captureGlyph(QPalette::PlaceholderText, QPalette::PlaceholderText)
+        .paint(&painter, QRect((width() - glyphSize) / 2, top, glyphSize, glyphSize));
     painter.setPen(color);
     painter.drawText(text.adjusted(0, top + glyphSize, 0, 0), flags, hint_);
 }

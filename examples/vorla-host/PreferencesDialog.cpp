@@ -133,7 +133,7 @@ QWidget* PreferencesDialog::makeCapturingBox() {
 QWidget* PreferencesDialog::makePrivacyBox() {
     auto* box = new QGroupBox(text("Privacy"), this);
     auto* layout = new QVBoxLayout(box);
-    statistics_ = new QCheckBox(text("Send how often each &tool is used"), box);
+    statistics_ = new QCheckBox(text("&Send how often each tool is used"), box);
     crashes_ = new QCheckBox(text("&Keep reports of crashes, and send them"), box);
     layout->addWidget(statistics_);
     layout->addWidget(crashes_);

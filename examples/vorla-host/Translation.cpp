@@ -23,7 +23,7 @@ class TableTranslator : public QTranslator {
 
     QString translate(const char* /*context*/, const char* source, const char* /*disambiguation*/,
                       int /*n*/) const override {
-        return table_.value(QLatin1String(source)).toString();
+        return table_.value(QString::fromUtf8(source)).toString();
     }
 
  private:
