@@ -227,9 +227,13 @@ void HostWindow::saveAs() {
                          QDateTime::currentDateTime().toString("yyyyMMdd-HHmmss") + ".png";
     QString folder = QString::fromStdString(setting.lastSavePath());
     if (!QFileInfo(folder).isDir()) folder = QDir::homePath();
-    const QString path = QFileDialog::getSaveFileName(
-        this, text("Save Picture"), folder + '/' + name, text("Pictures") + " (*.png *.jpg *.bmp)");
-    if (path.isEmpty()) return;
+    QFileDialog dialog(this, text("Save Picture"), folder,
+                       text("Pictures") + " (*.png *.jpg *.bmp)");
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix("png");
+    dialog.selectFile(name);
+    if (dialog.exec() != QDialog::Accepted) return;
+    const QString path = dialog.selectedFiles().value(0);
     const QString reason = writePicture(png_, path);
     if (!reason.isEmpty()) {
         QMessageBox::warning(this, text("Save Picture"),

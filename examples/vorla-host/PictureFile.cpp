@@ -12,10 +12,14 @@
 
 namespace {
 
+/// Of formats that lose something: text on a screen must stay sharp.
+constexpr int quality = 95;
+
 QByteArray inFormat(const QByteArray& png, const QByteArray& format, QString& reason) {
     QByteArray bytes;
     QBuffer buffer(&bytes);
     QImageWriter writer(&buffer, format);
+    writer.setQuality(quality);
     if (!writer.write(QImage::fromData(png, "PNG"))) reason = writer.errorString();
     return bytes;
 }

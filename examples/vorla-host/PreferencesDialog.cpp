@@ -60,15 +60,16 @@ QString themeNumber(const QString& supplyID) {
 PreferencesDialog::PreferencesDialog(HostSettings& settings, QWidget* parent)
     : QDialog(parent), settings_(settings) {
     setWindowTitle(text("Preferences"));
-    buttons_ = new QDialogButtonBox(
-        QDialogButtonBox::Ok | QDialogButtonBox::Cancel | QDialogButtonBox::RestoreDefaults, this);
-    buttons_->button(QDialogButtonBox::Ok)->setDefault(true);
-    buttons_->button(QDialogButtonBox::RestoreDefaults)->setAutoDefault(false);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(makeSavingBox());
     layout->addWidget(makeCapturingBox());
     layout->addWidget(makePrivacyBox());
     layout->addStretch();
+    // Behind the others, so that the keyboard begins with the folder.
+    buttons_ = new QDialogButtonBox(
+        QDialogButtonBox::Ok | QDialogButtonBox::Cancel | QDialogButtonBox::RestoreDefaults, this);
+    buttons_->button(QDialogButtonBox::Ok)->setDefault(true);
+    buttons_->button(QDialogButtonBox::RestoreDefaults)->setAutoDefault(false);
     layout->addWidget(buttons_);
     QObject::connect(buttons_, &QDialogButtonBox::accepted, this, &QDialog::accept);
     QObject::connect(buttons_, &QDialogButtonBox::rejected, this, &QDialog::reject);

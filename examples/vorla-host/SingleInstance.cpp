@@ -101,10 +101,11 @@ void SingleInstance::accept() {
         char wish[64];
         const ssize_t got = ::recv(peer, wish, sizeof wish, 0);
         if (got < 0 && errno == EAGAIN) return;
-        if (got > 0) ::send(peer, taken, std::strlen(taken), MSG_NOSIGNAL);
+        // Who has given up waiting has told the user so.
+        const bool awaited = got > 0 && ::send(peer, taken, std::strlen(taken), MSG_NOSIGNAL) > 0;
         notifier->setEnabled(false);
         notifier->deleteLater();
         ::close(peer);
-        if (got > 0) obey_(QByteArray(wish, static_cast<qsizetype>(got)));
+        if (awaited) obey_(QByteArray(wish, static_cast<qsizetype>(got)));
     });
 }
