@@ -25,6 +25,8 @@ namespace {
 
 constexpr std::chrono::milliseconds delayOfSwitch(200);
 
+thread_local VLCaptureError errorOfThread = VLCaptureErrorNone;
+
 std::function<void(int)>& panelsShownHandler() {
     static std::function<void(int)> handler;
     return handler;
@@ -60,33 +62,52 @@ VLCaptureManager::~VLCaptureManager() {
     VLLog("<VLCaptureManager> dealloc");
 }
 
+void VLCaptureManager::setLastError(VLCaptureError error) {
+    errorOfThread = error;
+}
+
+VLCaptureError VLCaptureManager::lastError() {
+    return errorOfThread;
+}
+
 void VLCaptureManager::setPanelsShownHandler(std::function<void(int)> handler) {
     panelsShownHandler() = std::move(handler);
 }
 
 // Start ----------------------------------------------------------------------------------------
 
-bool VLCaptureManager::startCaptureByRequest(const std::shared_ptr<VLCaptureRequest>& request) {
-    vorla::fireStatisticEvent(VLStatEventStart);
+VLCaptureError VLCaptureManager::obstacle(bool hasRequest, vorla::MainLoop loop) const {
     if (isCapturing_) {
-        VLLog("<VLCaptureManager> %s - 已有截图任务正在进行", __func__);
-        return false;
+        VLLog("<VLCaptureManager> startCaptureByRequest - 已有截图任务正在进行");
+        return VLCaptureErrorAlreadyCapturing;
     }
     const auto server = WindowServer::shared();
-    if (!request || !server || !vorla::ensureApplication()) {
-        VLLogError("<VLCaptureManager> %s - there is nothing to capture from", __func__);
-        return false;
-    }
-    if (const std::string obstacle = server->obstacle(); !obstacle.empty()) {
-        VLLogError("<VLCaptureManager> %s - %s", __func__, obstacle.c_str());
-        return false;
-    }
+    VLCaptureError error = VLCaptureErrorNone;
+    if (!hasRequest)
+        error = VLCaptureErrorNoRequest;
+    else if (!server || server->displays().empty())
+        error = VLCaptureErrorNoDisplayServer;
+    else if (error = vorla::ensureApplication(loop); error == VLCaptureErrorNone)
+        error = server->obstacle();
+    if (error != VLCaptureErrorNone)
+        VLLogError("<VLCaptureManager> startCaptureByRequest - %s", VLCaptureErrorText(error));
+    return error;
+}
+
+VLCaptureError VLCaptureManager::startCaptureByRequest(
+    const std::shared_ptr<VLCaptureRequest>& request, VLCaptureEndHandler ended,
+    vorla::MainLoop loop) {
+    vorla::fireStatisticEvent(VLStatEventStart);
+    const VLCaptureError error = obstacle(request != nullptr, loop);
+    setLastError(error);
+    if (error != VLCaptureErrorNone) return error;
     VLLog("<VLCaptureManager> %s - 开始截图", __func__);
-    isCapturing_ = true;
+    isCapturing_ = anyCapturing_ = true;
     qAddPostRoutine(&VLCaptureManager::endWithApplication);
     request_ = request;
     delegate_ = request->delegate();
-    screens_ = server->displays();
+    ended_ = std::move(ended);
+    screens_ = WindowServer::shared()->displays();
     panelsAwaited_ = screens_.size();
     for (const auto& screen : screens_) {
         VLLog("获取屏幕数:%zu", screens_.size());
@@ -94,7 +115,7 @@ bool VLCaptureManager::startCaptureByRequest(const std::shared_ptr<VLCaptureRequ
     }
     if (request->showSwitch()) offerSwitch();
     addObserver();
-    return true;
+    return VLCaptureErrorNone;
 }
 
 void VLCaptureManager::offerSwitch() {
@@ -157,8 +178,10 @@ void VLCaptureManager::openPanel(uint32_t displayID) {
 }
 
 void VLCaptureManager::panelWasPainted() {
-    if (--panelsAwaited_ == 0 && panelsShownHandler())
-        panelsShownHandler()(static_cast<int>(windowControllers_.size()));
+    if (--panelsAwaited_ != 0) return;
+    // A copy: the handler may set another one.
+    if (const auto handler = panelsShownHandler())
+        handler(static_cast<int>(windowControllers_.size()));
 }
 
 void VLCaptureManager::addObserver() {
@@ -181,13 +204,23 @@ void VLCaptureManager::addObserver() {
 
 // End ------------------------------------------------------------------------------------------
 
+void VLCaptureManager::tellEnd(const VLCaptureOutcome& outcome) {
+    if (const auto ended = std::exchange(ended_, nullptr)) ended(outcome);
+}
+
 void VLCaptureManager::endWithApplication() {
-    if (shared()) shared()->clean();
+    if (shared()) {
+        // At the end of the program there may be nobody left to tell.
+        shared()->ended_ = nullptr;
+        shared()->clean();
+    }
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 void VLCaptureManager::cancelCapture() {
+    const auto keptAlive = shared_from_this();
     clean();
+    tellEnd({.kind = VLCaptureOutcomeCancelledByHost});
 }
 
 void VLCaptureManager::captureDidCancel() {
@@ -198,6 +231,7 @@ void VLCaptureManager::captureDidCancel() {
     const auto delegate = std::exchange(delegate_, nullptr);
     clean();
     if (delegate) delegate->captureRequestDidCancel(*request_);
+    tellEnd({.kind = VLCaptureOutcomeCancelled});
 }
 
 void VLCaptureManager::prepareToRecord() {
@@ -213,6 +247,7 @@ void VLCaptureManager::changeToRecord() {
     const auto request = request_;
     clean();
     if (delegate) delegate->captureRequestDidChange(*request);
+    tellEnd({.kind = VLCaptureOutcomeRecorder});
 }
 
 void VLCaptureManager::handleCaptureCancelNotification(const Notification& notification) {
@@ -243,6 +278,7 @@ void VLCaptureManager::clean() {
     const auto keptAlive = shared_from_this();
     // What a session ended long ago still calls must leave the next one's windows alone.
     if (std::exchange(isCapturing_, false)) {
+        anyCapturing_ = false;
         observers_.clear();
         cleanCaptureWindow();
         if (QCoreApplication::instance()) qRemovePostRoutine(&VLCaptureManager::endWithApplication);

@@ -1,15 +1,18 @@
 #pragma once
 
 #include <QImage>
+#include <atomic>
 #include <cstddef>
 #include <functional>
 #include <memory>
 #include <vector>
 
+#include <vorla/VLCaptureOutcome.h>
 #include <vorla/VLCaptureRequest.h>
 #include "capture/VLCaptureWindowController.h"
 #include "platform/base/NotificationCenter.h"
 #include "platform/base/geometry.h"
+#include "platform/view/Application.h"
 #include "platform/windowserver/WindowServer.h"
 #include "switch/VLSwitchMangager.h"
 
@@ -28,14 +31,19 @@ class VLCaptureManager : public VLCaptureWindowControllerDelegate,
     ~VLCaptureManager() override;
 
     [[nodiscard]] bool isCapturing() const { return isCapturing_; }
+    /// The same of whichever manager there is. Any thread.
+    static bool isAnyCapturing() { return anyCapturing_; }
     /// One for each screen, in the desktop's order, once its panel was made.
     [[nodiscard]] const std::vector<std::shared_ptr<VLCaptureWindowController>>& windowControllers()
         const {
         return windowControllers_;
     }
 
-    /// False when a session runs already or no window server answers; nothing has changed then.
-    bool startCaptureByRequest(const std::shared_ptr<VLCaptureRequest>& request);
+    /// Returns why it was refused, with nothing changed. `ended` hears the end of the session as
+    /// `VLStartCapture` says.
+    VLCaptureError startCaptureByRequest(const std::shared_ptr<VLCaptureRequest>& request,
+                                         VLCaptureEndHandler ended = {},
+                                         vorla::MainLoop loop = vorla::MainLoop::Host);
     /// Ends the session without a word to the delegate.
     void cancelCapture();
 
@@ -63,6 +71,10 @@ class VLCaptureManager : public VLCaptureWindowControllerDelegate,
     /// Saves to the last place without asking, and tells the delegate.
     void defaultSaveImage(const QImage& image, bool isHighResolution);
 
+    /// What `VLLastCaptureError` returns on the calling thread.
+    static void setLastError(VLCaptureError error);
+    static VLCaptureError lastError();
+
     /// See `VLSetPanelsShownHandler`.
     static void setPanelsShownHandler(std::function<void(int screens)> handler);
 
@@ -70,6 +82,10 @@ class VLCaptureManager : public VLCaptureWindowControllerDelegate,
     VLCaptureManager();
     static std::shared_ptr<VLCaptureManager>& shared();
 
+    /// Why this cannot be started; logged.
+    [[nodiscard]] VLCaptureError obstacle(bool hasRequest, vorla::MainLoop loop) const;
+    /// Tells who started the session how it ended; nobody the second time.
+    void tellEnd(const VLCaptureOutcome& outcome);
     void captureFrame(const VLRect& frame, const vorla::Display& screen);
     /// Reads every screen of the session, before any panel of ours is shown.
     void freezeScreens();
@@ -86,6 +102,8 @@ class VLCaptureManager : public VLCaptureWindowControllerDelegate,
     static void endWithApplication();
 
     bool isCapturing_ = false;
+    inline static std::atomic<bool> anyCapturing_ = false;
+    VLCaptureEndHandler ended_;
     std::shared_ptr<VLCaptureRequest> request_;
     std::shared_ptr<VLCaptureRequestDelegate> delegate_;
     std::vector<vorla::Display> screens_;  ///< still to be frozen

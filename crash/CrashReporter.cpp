@@ -12,6 +12,7 @@
 #include "crash/CvrSigHandler.h"
 #include "crash/CvrStackCollector.h"
 #include "crash/module/CvrCrashModule.h"
+#include "platform/base/LibraryCopy.h"
 #include "platform/base/VLLog.h"
 
 namespace {
@@ -58,7 +59,7 @@ bool CrashReporter::isInstalled() const {
 }
 
 bool CrashReporter::installWithAppkey(const std::string& appKey) {
-    if (isBlank(appKey)) return false;
+    if (isBlank(appKey) || !vorla::isServingServices()) return false;
     CvrCrashModule& crashes = module();
     model().change([&](CvrModelBase::Facts& facts) { facts.appId = appKey; });
     model().checkVer();

@@ -15,9 +15,34 @@
 namespace vorla {
 namespace {
 
-bool fail(const char* reason) {
+VLCaptureError errorOfNumber(int number) {
+    switch (number) {
+        case EACCES:
+        case EPERM:
+        case EROFS:
+            return VLCaptureErrorPermission;
+        case EDQUOT:
+        case EFBIG:
+        case ENOSPC:
+            return VLCaptureErrorNoSpace;
+        case EISDIR:
+        case ELOOP:
+        case ENAMETOOLONG:
+        case ENOENT:
+        case ENOTDIR:
+            return VLCaptureErrorPath;
+        default:
+            return VLCaptureErrorNotWritten;
+    }
+}
+
+VLCaptureError fail(const char* reason, VLCaptureError error) {
     VLLogError("writeToFile failed with error %s", reason);
-    return false;
+    return error;
+}
+
+VLCaptureError failWithNumber(int number) {
+    return fail(std::strerror(number), errorOfNumber(number));
 }
 
 int pointsOf(int pixels, double devicePixelRatio) {
@@ -60,20 +85,22 @@ QImage imagePart(const QImage& image, const VLRect& rect) {
     return part;
 }
 
-bool saveToFile(const QImage& image, const std::string& path, int fileType) {
-    return !image.isNull() && saveToFile(encodedImage(image, fileType), path);
+VLCaptureError saveToFile(const QImage& image, const std::string& path, int fileType) {
+    if (image.isNull()) return VLCaptureErrorNoPicture;
+    return saveToFile(encodedImage(image, fileType), path);
 }
 
-bool saveToFile(const QByteArray& bytes, const std::string& path) {
-    if (path.empty()) return false;
+VLCaptureError saveToFile(const QByteArray& bytes, const std::string& path) {
+    if (path.empty()) return VLCaptureErrorPath;
     const std::string target = expandTilde(path);
-    if (bytes.isEmpty()) return fail("the picture cannot be encoded in this format");
+    if (bytes.isEmpty())
+        return fail("the picture cannot be encoded in this format", VLCaptureErrorNotEncoded);
     const size_t slash = target.rfind('/');
     if (slash != std::string::npos && slash > 0 && !createDirectories(target.substr(0, slash)))
-        return fail(std::strerror(errno));
+        return failWithNumber(errno);
     if (!writeFileAtomically(target, {bytes.constData(), static_cast<size_t>(bytes.size())}, 0666))
-        return fail(std::strerror(errno));
-    return true;
+        return failWithNumber(errno);
+    return VLCaptureErrorNone;
 }
 
 QImage convert2Xto1XImage(const QImage& image) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vorla/VLCaptureOutcome.h>
+
 #include <QByteArray>
 #include <QImage>
 #include <cmath>
@@ -35,10 +37,10 @@ QImage imagePart(const QImage& image, const VLRect& rect);
 /// Writes the picture as a file of `fileType` (see ImageEncoding.h). A leading "~" stands for the
 /// home directory, and missing folders are created: a picture must not be lost because its folder
 /// was removed meanwhile. The file appears whole or not at all, an older one of that name is then
-/// replaced. False without a path or an image; on failure also logs the reason.
-bool saveToFile(const QImage& image, const std::string& path, int fileType);
+/// replaced. Returns why it was not written, and logs it, unless path or image was missing.
+VLCaptureError saveToFile(const QImage& image, const std::string& path, int fileType);
 /// The same for a picture that is encoded already.
-bool saveToFile(const QByteArray& bytes, const std::string& path);
+VLCaptureError saveToFile(const QByteArray& bytes, const std::string& path);
 
 /// The picture with one pixel to a point, at the same size in points (rounded to whole pixels, at
 /// least one). Null for one that is not of high resolution, or if memory runs out.

@@ -2,11 +2,13 @@
 
 #include "NEX/NEX/OzuNexManager.h"
 #include "NEX/NEX/VLStatisticManager.h"
+#include "platform/base/LibraryCopy.h"
 
 void VLStartStatistics() {
-    OzuNexManager::defaultManager().startStat();
+    if (vorla::isServingServices()) OzuNexManager::defaultManager().startStat();
 }
 
 void VLStatEvent(int event) {
+    if (!vorla::isServingServices()) return;
     VLStatisticManager::defaultStatisticManager().statisticEvent(static_cast<uint64_t>(event));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <vorla/VLCaptureOutcome.h>
 #include <vorla/VLCaptureRequest.h>
 #include <vorla/VLInfo.h>
 #include <vorla/VLLogging.h>
@@ -9,8 +10,15 @@
 #include <functional>
 #include <memory>
 
-// The functions through which a host captures. Call them on the main thread: the QApplication's
-// where the host has one, else the one that runs the host's GLib main loop. None throws.
+// The functions through which a host captures. None throws.
+//
+// Call them on the thread of the host's QApplication. A host without one calls them on the thread
+// that runs its GLib main loop or, before that runs, on the process's first thread. A call on
+// another thread does nothing, logs the reason, and leaves `VLCaptureErrorWrongThread` in
+// `VLLastCaptureError` of that thread.
+//
+// Where two copies of the library are loaded into one process, the first to be used serves it; the
+// other refuses with `VLCaptureErrorOtherCopy`.
 
 /// The framework's version, UTF-8, for instance "1.0.0".
 VL_EXPORT extern const char* const VorlaFrameworkVersionString;
@@ -24,13 +32,38 @@ VL_EXPORT void VLPrepareCapture();
 /// Starts a capture: every screen freezes under a panel, and the user picks. Returns at once; the
 /// panels come up from the main loop, and the request's delegate hears the outcome.
 ///
-/// False, with the reason in the log and nothing changed, when `request` is null, when a capture is
-/// already running, when no X server answers or its screen has a format that is not supported, when
-/// the host's application object cannot show windows or does not use the toolkit's X11 platform,
-/// and when the host has neither a QApplication nor a GLib main loop that could drive the session.
+/// False, with the reason in the log and in `VLLastCaptureError` and nothing changed, when
+/// `request` is null, when a capture is already running, when no X server answers or its screen has
+/// a format that is not supported, when the host's application object cannot show windows or does
+/// not use the toolkit's X11 platform, and when the host has neither a QApplication nor a GLib main
+/// loop that could drive the session.
 VL_EXPORT bool VLStartCapture(const std::shared_ptr<VLCaptureRequest>& request);
 
-/// Whether a capture runs: true from `VLStartCapture` until just after the delegate's call.
+/// The same, saying why it was refused (`VLCaptureErrorNone`: it was not), and with a handler that
+/// hears how the session ended: once for each session that was started, on the main thread, after
+/// the delegate's call and with the panels gone. Unlike the delegate it also hears the host's own
+/// `VLCancelCapture` (before that returns) and that the user closed the save dialog. Only a session
+/// that the end of the program overtakes is told to nobody. May be empty.
+VL_EXPORT VLCaptureError VLStartCapture(const std::shared_ptr<VLCaptureRequest>& request,
+                                        VLCaptureEndHandler ended);
+
+/// Captures and returns when the session is over, a chosen file written. For programs without any
+/// loop: it runs one of its own meanwhile. From a host's Qt or GLib loop it is a nested loop, in
+/// which the host's events go on being served; when the host's application object quits in it, the
+/// session is cancelled. The delegate, if there is one, hears the outcome as well.
+///
+/// Needs no loop of the host. In a program without an application object, the first thread that
+/// calls it is the capturing thread from then on, and the clipboard's picture is served by a small
+/// process of ours as soon as the call returns.
+VL_EXPORT VLCaptureOutcome VLRunCapture(const std::shared_ptr<VLCaptureRequest>& request);
+
+/// Why the latest start that the calling thread asked for was refused, or, on the main thread, why
+/// the latest picture was not delivered, if that came later: in the delegate's call it is what
+/// became of the picture at hand. `VLCaptureErrorNone` when all went well.
+VL_EXPORT VLCaptureError VLLastCaptureError();
+
+/// Whether a capture runs: true from `VLStartCapture` until just before the outcome is told. Any
+/// thread.
 VL_EXPORT bool VLIsCapturing();
 
 /// Ends a running capture at once. The delegate hears nothing, since the host itself asked. Does

@@ -12,6 +12,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "platform/base/VLLog.h"
 #include "platform/base/files.h"
 #include "platform/base/raii.h"
 
@@ -220,4 +221,20 @@ void VLSetInfoValue(std::string_view key, std::string value) {
 
 std::string VLInfoValue(std::string_view key) {
     return vorla::Bundle::framework().infoString(key);
+}
+
+bool VLSetResourceFolder(const std::string& path) {
+    std::error_code error;
+    std::filesystem::path folder(path);
+    if (!folder.is_absolute() || !std::filesystem::is_directory(folder, error)) {
+        VLLogError("\"%s\" is no folder of resources", path.c_str());
+        return false;
+    }
+    if (!folder.has_filename()) folder = folder.parent_path();
+    vorla::Bundle::framework().setResourcePath(folder.string());
+    return true;
+}
+
+std::string VLResourceFolder() {
+    return vorla::Bundle::framework().resourcePath();
 }

@@ -4,6 +4,7 @@
 #include <unistd.h>
 #include <xcb/xcb.h>
 
+#include <QClipboard>
 #include <QGuiApplication>
 #include <cerrno>
 #include <cstdlib>
@@ -11,6 +12,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/base/Bundle.h"
 #include "platform/base/DispatchQueue.h"
@@ -35,13 +37,11 @@ xcb_window_t selectionOwner(xcb_connection_t* connection, std::string_view name)
     return reply ? reply->owner : XCB_NONE;
 }
 
-}  // namespace
+const QNativeInterface::QX11Application* x11Application() {
+    return qApp ? qApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+}
 
-void keepPictureOnClipboard(const QByteArray& png) {
-    const auto* x11 = qApp ? qApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
-    if (!x11 || selectionOwner(x11->connection(), "CLIPBOARD_MANAGER") != XCB_NONE) return;
-    const xcb_window_t owner = selectionOwner(x11->connection(), "CLIPBOARD");
-    if (owner == XCB_NONE) return;
+void startKeeper(const QByteArray& png, xcb_window_t owner, const char* when) {
     const std::string program = Bundle::pathForHelper("clipboard-keeper");
     if (program.empty()) {
         VLLogError("there is no clipboard-keeper: the clipboard is empty when this program ends");
@@ -49,8 +49,9 @@ void keepPictureOnClipboard(const QByteArray& png) {
     }
     const UniqueFd file = memoryFile({png.constData(), static_cast<size_t>(png.size())});
     pid_t child = 0;
-    const int error =
-        file ? startHelper(program, {std::to_string(owner)}, file.get(), -1, child) : errno;
+    std::vector<std::string> arguments = {std::to_string(owner)};
+    if (when) arguments.emplace_back(when);
+    const int error = file ? startHelper(program, arguments, file.get(), -1, child) : errno;
     if (error != 0) {
         VLLogError("the clipboard-keeper does not start: %s", std::strerror(error));
         return;
@@ -59,6 +60,21 @@ void keepPictureOnClipboard(const QByteArray& png) {
     DispatchQueue::global().async([child] {
         while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) continue;
     });
+}
+
+}  // namespace
+
+void keepPictureOnClipboard(const QByteArray& png) {
+    const auto* x11 = x11Application();
+    if (!x11 || selectionOwner(x11->connection(), "CLIPBOARD_MANAGER") != XCB_NONE) return;
+    const xcb_window_t owner = selectionOwner(x11->connection(), "CLIPBOARD");
+    if (owner != XCB_NONE) startKeeper(png, owner, nullptr);
+}
+
+void givePictureAway(const QByteArray& png) {
+    const auto* x11 = x11Application();
+    if (!x11 || !QGuiApplication::clipboard()->ownsClipboard()) return;
+    startKeeper(png, selectionOwner(x11->connection(), "CLIPBOARD"), "now");
 }
 
 }  // namespace vorla

@@ -11,4 +11,8 @@ namespace vorla {
 /// logged. Main thread.
 void keepPictureOnClipboard(const QByteArray& png);
 
+/// Hands the picture, which this program has put on the clipboard, to such a process for good: for
+/// a program that lives on without an event loop to serve it from. Main thread.
+void givePictureAway(const QByteArray& png);
+
 }  // namespace vorla

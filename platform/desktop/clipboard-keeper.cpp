@@ -1,8 +1,9 @@
 // Keeps a picture on the clipboard after the program that put it there has ended.
-//   vorla-clipboard-keeper OWNER < PICTURE
+//   vorla-clipboard-keeper OWNER [now] < PICTURE
 // OWNER is the window that owns the clipboard, in decimal. The keeper waits in the background until
 // that window goes, then owns the clipboard itself and serves the picture as image/png until
-// someone else takes the clipboard. It ends at once where a clipboard manager does this.
+// someone else takes the clipboard. It ends at once where a clipboard manager does this. With "now"
+// it takes the clipboard from that window without waiting, manager or not.
 
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -58,7 +59,7 @@ class Keeper {
     }
 
     /// Serves the picture for as long as it is wanted.
-    void keep(xcb_window_t owner) {
+    void keep(xcb_window_t owner, bool now) {
         const auto* xfixes = xcb_get_extension_data(connection_, &xcb_xfixes_id);
         if (!xfixes || !xfixes->present) return;
         const Reply<xcb_xfixes_query_version_reply_t> version(xcb_xfixes_query_version_reply(
@@ -71,7 +72,7 @@ class Keeper {
         // From here on every change is an event. The owner may have gone before.
         const xcb_window_t present = ownerOf(clipboard_);
         if (present != XCB_NONE && present != owner) return;
-        if (present == XCB_NONE && !takeOver()) return;
+        if ((present == XCB_NONE || now) && !takeOver(now)) return;
         while (const Reply<xcb_generic_event_t> event{xcb_wait_for_event(connection_)}) {
             const uint8_t type = event->response_type & 0x7f;
             if (type == xfixes->first_event + XCB_XFIXES_SELECTION_NOTIFY) {
@@ -79,7 +80,7 @@ class Keeper {
                     reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(*event);
                 if (change.owner == window_) continue;
                 if (change.subtype == XCB_XFIXES_SELECTION_EVENT_SET_SELECTION_OWNER) return;
-                if (!takeOver()) return;
+                if (!takeOver(false)) return;
             } else if (type == XCB_SELECTION_REQUEST) {
                 answer(reinterpret_cast<const xcb_selection_request_event_t&>(*event));
             } else if (type == XCB_PROPERTY_NOTIFY) {
@@ -114,10 +115,10 @@ class Keeper {
         return XCB_CURRENT_TIME;
     }
 
-    bool takeOver() {
-        if (ownerOf(atom("CLIPBOARD_MANAGER")) != XCB_NONE) return false;
+    bool takeOver(bool now) {
+        if (!now && ownerOf(atom("CLIPBOARD_MANAGER")) != XCB_NONE) return false;
         since_ = serverTime();
-        if (ownerOf(clipboard_) != XCB_NONE) return false;
+        if (!now && ownerOf(clipboard_) != XCB_NONE) return false;
         xcb_set_selection_owner(connection_, window_, clipboard_, since_);
         return ownerOf(clipboard_) == window_;
     }
@@ -195,13 +196,14 @@ class Keeper {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) return 2;
+    const bool now = argc == 3 && std::string_view(argv[2]) == "now";
+    if (argc != 2 && !now) return 2;
     const std::string_view picture = mapped(STDIN_FILENO);
     const auto owner = static_cast<xcb_window_t>(std::strtoul(argv[1], nullptr, 10));
     if (picture.empty() || owner == XCB_NONE) return 2;
     goToBackground();
     xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
-    if (!xcb_connection_has_error(connection)) Keeper(connection, picture).keep(owner);
+    if (!xcb_connection_has_error(connection)) Keeper(connection, picture).keep(owner, now);
     xcb_disconnect(connection);
     return 0;
 }

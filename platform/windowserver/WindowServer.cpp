@@ -1,5 +1,7 @@
 #include "platform/windowserver/WindowServer.h"
 
+#include <vorla/VLCaptureOutcome.h>
+
 #include <cstdlib>
 #include <utility>
 
@@ -25,6 +27,10 @@ std::unique_ptr<WindowServer> WindowServer::connect() {
         return nullptr;
     }
     return X11WindowServer::create();
+}
+
+VLCaptureError WindowServer::obstacle() {
+    return VLCaptureErrorNone;
 }
 
 std::shared_ptr<WindowServer> WindowServer::shared() {

@@ -10,6 +10,8 @@
 
 #include "platform/base/geometry.h"
 
+enum VLCaptureError : int;
+
 namespace vorla {
 
 /// A rectangle in the window server's native pixels, origin at the upper left, y downward.
@@ -82,8 +84,8 @@ class WindowServer {
     /// empty value for good.
     virtual bool isConnected() { return true; }
 
-    /// Why no pictures can be had of this server's screens, for the log; empty when they can.
-    virtual std::string obstacle() { return {}; }
+    /// Why no pictures can be had of this server's screens; the details go to the log.
+    virtual VLCaptureError obstacle();
 
     /// In the desktop's order, the first one first.
     virtual std::vector<Display> displays() = 0;

@@ -1,9 +1,12 @@
 #include "platform/windowserver/X11WindowServer.h"
 
+#include <vorla/VLCaptureOutcome.h>
+
 #include <QGuiApplication>
 #include <algorithm>
 #include <utility>
 
+#include "platform/base/VLLog.h"
 #include "platform/windowserver/displayLayout.h"
 
 namespace vorla {
@@ -73,15 +76,19 @@ void X11WindowServer::displaysMayHaveChanged() {
     if (onDisplaysChanged) onDisplaysChanged();
 }
 
-std::string X11WindowServer::obstacle() {
+VLCaptureError X11WindowServer::obstacle() {
     // Panels of another platform would not be on this server's screens.
-    if (qGuiApp && QGuiApplication::platformName() != QLatin1String("xcb"))
-        return "the host's toolkit runs on the platform \"" +
-               QGuiApplication::platformName().toStdString() + "\", and captures need \"xcb\"";
+    if (qGuiApp && QGuiApplication::platformName() != QLatin1String("xcb")) {
+        VLLogError("the host's toolkit runs on the platform \"%s\", and captures need \"xcb\"",
+                   qPrintable(QGuiApplication::platformName()));
+        return VLCaptureErrorPlatform;
+    }
     const xcb_screen_t* screen = connection_->screen();
-    if (connection_->layoutOf(screen->root_visual) != PixelLayout::Unsupported) return {};
-    return "the screen's depth of " + std::to_string(screen->root_depth) +
-           " bits, or its order of colours, is not served";
+    if (connection_->layoutOf(screen->root_visual) != PixelLayout::Unsupported)
+        return VLCaptureErrorNone;
+    VLLogError("the screen's depth of %d bits, or its order of colours, is not served",
+               screen->root_depth);
+    return VLCaptureErrorScreenFormat;
 }
 
 std::vector<Display> X11WindowServer::displays() {

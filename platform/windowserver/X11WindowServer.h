@@ -27,7 +27,7 @@ class X11WindowServer : public WindowServer {
     ~X11WindowServer() override;
 
     bool isConnected() override { return connection_->isAlive(); }
-    std::string obstacle() override;
+    VLCaptureError obstacle() override;
     std::vector<Display> displays() override;
     std::optional<std::vector<ServerWindow>> windows(uint32_t displayID) override;
     QImage imageOfDisplay(uint32_t displayID, VLRect rect) override;

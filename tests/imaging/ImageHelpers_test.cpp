@@ -36,17 +36,19 @@ TEST(ImageHelpers, saveToFileLogsWhyItFailed) {
         QImage image;
         int type;
         const char* reason;  // null: nothing is logged
+        VLCaptureError error;
     } rows[] = {
-        {"", image, 4, nullptr},
-        {base + "/a.png", QImage(), 4, nullptr},
-        {base + "/file/a.png", image, 4, "Not a directory"},
-        {base + "/folder.png", image, 4, "Is a directory"},
-        {"/proc/nowhere/a.png", image, 4, "No such file or directory"},
-        {base + "/a.gif", QImage(70'000, 1, QImage::Format_RGB32), 2, "cannot be encoded"},
+        {"", image, 4, nullptr, VLCaptureErrorPath},
+        {base + "/a.png", QImage(), 4, nullptr, VLCaptureErrorNoPicture},
+        {base + "/file/a.png", image, 4, "Not a directory", VLCaptureErrorPath},
+        {base + "/folder.png", image, 4, "Is a directory", VLCaptureErrorPath},
+        {"/proc/nowhere/a.png", image, 4, "No such file or directory", VLCaptureErrorPath},
+        {base + "/a.gif", QImage(70'000, 1, QImage::Format_RGB32), 2, "cannot be encoded",
+         VLCaptureErrorNotEncoded},
     };
     for (const auto& row : rows) {
         const test::LogRecorder log;
-        EXPECT_FALSE(saveToFile(row.image, row.path, row.type)) << row.path;
+        EXPECT_EQ(saveToFile(row.image, row.path, row.type), row.error) << row.path;
         ASSERT_EQ(log.lines().size(), row.reason ? 1U : 0U) << row.path;
         if (!row.reason) continue;
         EXPECT_TRUE(log.lines()[0].starts_with("writeToFile failed with error ")) << log.lines()[0];
@@ -66,16 +68,16 @@ TEST(ImageHelpers, saveToFileOnAFullDiskKeepsTheOldFile) {
     const rlimit small = {20'000, before.rlim_max};
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
     setrlimit(RLIMIT_FSIZE, &small);
-    bool saved = false;
+    VLCaptureError error = VLCaptureErrorNone;
     std::vector<std::string> lines;
     {
         const test::LogRecorder log;
-        saved = saveToFile(image, path, ImageFileTypePng);
+        error = saveToFile(image, path, ImageFileTypePng);
         lines = log.lines();
     }
     setrlimit(RLIMIT_FSIZE, &before);
     std::signal(SIGXFSZ, handler);
-    EXPECT_FALSE(saved);
+    EXPECT_EQ(error, VLCaptureErrorNoSpace);
     ASSERT_EQ(lines.size(), 1U);
     EXPECT_EQ(lines[0], "writeToFile failed with error File too large");
     EXPECT_EQ(readFile(path), "old");
