@@ -33,9 +33,10 @@ add_library(Vorla::Services ALIAS VorlaServices)
 
 # The capture library stands on it. Named first among the libraries, the services' shared form
 # satisfies every reference, and nothing of their archives is linked a second time.
-vorla_add_framework(Vorla capture.map vorla_capture vorla_switch)
+vorla_add_framework(Vorla capture.map vorla_capture vorla_cinterface_capture vorla_switch)
 set_target_properties(Vorla PROPERTIES EXPORT_NAME Capture)
-target_link_libraries(Vorla PUBLIC VorlaServices PRIVATE vorla_capture vorla_switch)
+target_link_libraries(Vorla PUBLIC VorlaServices
+  PRIVATE vorla_capture vorla_cinterface_capture vorla_switch)
 add_library(Vorla::Capture ALIAS Vorla)
 
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/vorla DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})

@@ -28,6 +28,8 @@ class VL_EXPORT CrashReporter {
     /// Starts crash reporting. `appKey` names the application to the server. Returns whether this
     /// call did it: not for a key without any letters, nor when it was started before.
     bool installWithAppkey(const std::string& appKey);
+    /// Whether it is started.
+    [[nodiscard]] bool isInstalled() const;
     /// Takes the handlers away again.
     void uninstall();
 
@@ -130,5 +132,4 @@ class VL_EXPORT CrashReporter {
  private:
     CrashReporter() = default;
     ~CrashReporter() = default;
-    bool isInstalled() const;
 };
