@@ -93,6 +93,6 @@ QIcon captureGlyph(QPalette::ColorRole normal, QPalette::ColorRole active) {
         const auto group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
         // Asked for each time: the palette may change while the program runs.
         const QPalette palette = QGuiApplication::palette();
-        paintGlyph(painter, size, 0.08, palette.color(group, isActive ? active : normal));
+        paintGlyph(painter, size, 0.12, palette.color(group, isActive ? active : normal));
     }));
 }

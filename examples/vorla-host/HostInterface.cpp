@@ -51,6 +51,8 @@ void HostInterface::makeTrayEntry() {
 
 void HostInterface::openWindow() {
     isAside_ = false;
+    // Else the window manager chooses a new place each time.
+    if (place_ && !window_.isVisible()) window_.move(*place_);
     window_.setWindowState(window_.windowState() & ~Qt::WindowMinimized);
     window_.show();
     window_.raise();
@@ -62,7 +64,7 @@ bool HostInterface::stepAside() {
     const bool isInTheWay = window_.isVisible() && !window_.isMinimized();
     if (!isInTheWay || !settings_.stepsAside() || QApplication::activeModalWidget()) return false;
     isAside_ = true;
-    window_.hide();
+    hideWindow();
     return true;
 }
 
@@ -74,12 +76,17 @@ void HostInterface::captureEnded(const Outcome& outcome) {
     isAside_ = false;
 }
 
+void HostInterface::hideWindow() {
+    place_ = window_.pos();
+    window_.hide();
+}
+
 void HostInterface::windowClosed() {
     if (!QSystemTrayIcon::isSystemTrayAvailable()) {
         QCoreApplication::exit();
         return;
     }
-    window_.hide();
+    hideWindow();
     if (settings_.isFirstStayInTray())
         tray_.showMessage(text("Vorla stays in the tray"),
                           text("A click on its icon captures; its menu quits it."), hostIcon());

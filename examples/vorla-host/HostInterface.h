@@ -5,6 +5,7 @@
 #include <QSystemTrayIcon>
 #include <chrono>
 #include <functional>
+#include <optional>
 
 #include "HostActions.h"
 #include "HostSettings.h"
@@ -29,6 +30,7 @@ class HostInterface : public QObject {
  private:
     void connectActions(const Capture& capture);
     void makeTrayEntry();
+    void hideWindow();
     void windowClosed();
     void openPreferences();
 
@@ -39,5 +41,7 @@ class HostInterface : public QObject {
     QMenu trayMenu_;
     QSystemTrayIcon tray_;
     QPointer<QDialog> preferences_;
+    /// Where the window was when it was hidden.
+    std::optional<QPoint> place_;
     bool isAside_ = false;
 };
