@@ -2,7 +2,6 @@
 
 #include "editor/VLEditView.h"
 
-#include <cstdlib>
 #include <random>
 
 #include "editor/VLEditNotifications.h"
@@ -10,7 +9,6 @@
 #include "editor/items/VLTextViewBasedItem.h"
 #include "platform/base/NotificationCenter.h"
 #include "tests/editor/CanvasTest.h"
-#include "theme/VLCaptureThemeManager.h"
 #include "theme/VLCursor.h"
 
 namespace {
@@ -188,59 +186,6 @@ TEST_P(Canvas, ThousandItemsGoAndComeBack) {
     }
     expectShown(full);
     EXPECT_EQ(delivered(), full);
-}
-
-/// Whatever a hand does, nothing breaks, and what is shown is what is there. VORLA_SEED sets
-/// another run, VORLA_STEPS makes it longer.
-TEST_P(Canvas, SurvivesRandomHands) {
-    const char* given = std::getenv("VORLA_SEED");
-    const unsigned seed = given ? unsigned(std::atol(given)) : 1U;
-    const char* length = std::getenv("VORLA_STEPS");
-    std::printf("VORLA_SEED=%u\n", seed);
-    std::mt19937 random(seed);
-    const auto upTo = [&](int n) { return int(random() % unsigned(n)); };
-    const auto anywhere = [&] { return VLPoint{double(upTo(640) - 19), double(upTo(400) - 19)}; };
-    const auto somewhereOnAnItem = [&] {
-        if (view().itemArray().empty()) return anywhere();
-        const auto& item = view().itemArray()[size_t(upTo(int(view().itemArray().size())))];
-        const VLRect b = item->bounds();
-        return item->convertPointOut({b.x + b.width * upTo(3) / 2, b.y + b.height * upTo(3) / 2});
-    };
-    const auto clamped = [](VLPoint p) {
-        return VLPoint{std::clamp(p.x, -19.0, 619.0), std::clamp(p.y, -19.0, 379.0)};
-    };
-    const std::vector<std::function<void()>> hands{
-        [&] { view().setGraphType(upTo(8)); },
-        [&] {
-            Path path{clamped(upTo(2) ? anywhere() : somewhereOnAnItem())};
-            for (int i = upTo(6); i > 0; --i) path.push_back(anywhere());
-            drag(path);
-        },
-        [&] { click(clamped(somewhereOnAnItem()), 1 + upTo(3)); },
-        [&] { key(upTo(2) ? Qt::Key_Delete : Qt::Key_Backspace); },
-        [&] { key(Qt::Key(Qt::Key_A + upTo(26))); },
-        [&] { key(Qt::Key_Return); },
-        [&] { key(Qt::Key_Z, Qt::ControlModifier); },
-        [&] { key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier); },
-        [&] { controller_->undo(); },
-        [&] { view().redo(); },
-        [&] { controller_->colorDidChange(QColor::fromHsv(upTo(360), 255, 255)); },
-        [&] { controller_->widthDidChange(unsigned(upTo(20))); },
-        [&] { view().removeFocusItem(); },
-        [&] {
-            vorla::NotificationCenter::defaultCenter().post(VLCaptureNotificationForChangeTheme);
-        },
-    };
-    // The toolkit's edges vary a little with the part that is painted at a time.
-    constexpr int edgeNoise = 8;
-    for (int step = length ? std::atoi(length) : 300; step > 0; --step) {
-        hands[size_t(upTo(int(hands.size())))]();
-        if (step % 25) continue;
-        const QImage result = delivered();
-        expectDrawnAnew(result, edgeNoise);
-        expectShown(result, edgeNoise);
-        ASSERT_FALSE(HasFailure()) << "seed " << seed << ", " << step << " steps left";
-    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Scales, Canvas, testing::Values(1.0, 2.0));
