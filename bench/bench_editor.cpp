@@ -204,8 +204,8 @@ void measureMoves(XTestDriver& driver) {
         report(c.name, c.cost(), cases[1].cost(), "no items");
     for (const Case& c : std::span(cases).subspan(2)) {
         const auto [focusing, undoing] = c.canvas->costOfFocusingAndUndo();
-        std::printf("(c) beside these, focusing an item %.2f ms, taking one back %.2f ms\n", focusing,
-                    undoing);
+        std::printf("(c) beside these, focusing an item %.2f ms, taking one back %.2f ms\n",
+                    focusing, undoing);
     }
 }
 
