@@ -153,7 +153,10 @@ void HostWindow::showOutcome(const Outcome& outcome) {
     switch (outcome.status) {
         case ExitStatus::Delivered:
         case ExitStatus::NotWritten:
-            showPicture(outcome);
+            if (outcome.png.isEmpty())
+                setMessage(text("There is no picture"), outcome.reason);
+            else
+                showPicture(outcome);
             break;
         case ExitStatus::Cancelled:
             if (png_.isEmpty()) setMessage(text("Cancelled"), text("Nothing was captured."));
@@ -162,15 +165,15 @@ void HostWindow::showOutcome(const Outcome& outcome) {
             setMessage(text("Over to the recorder"), text("This program has none of its own."));
             break;
         default:
-            setMessage(text("The capture could not start"),
-                       text("It needs an X11 desktop; the log has the reason."));
+            setMessage(text("The capture could not start"), outcome.reason);
             break;
     }
 }
 
 void HostWindow::showPicture(const Outcome& outcome) {
     png_ = outcome.png;
-    savedTo_ = outcome.status == ExitStatus::NotWritten ? QString() : outcome.savedTo;
+    const bool written = outcome.status == ExitStatus::Delivered;
+    savedTo_ = written ? outcome.path : QString();
     const QImage picture = QImage::fromData(png_, "PNG");
     preview_->setPicture(picture);
     copy_->setEnabled(!picture.isNull());
@@ -180,8 +183,10 @@ void HostWindow::showPicture(const Outcome& outcome) {
                               .arg(picture.width())
                               .arg(picture.height())
                               .arg(locale().formattedDataSize(png_.size(), 0));
-    if (!outcome.notWritten.isEmpty())
-        setMessage(title, text("Could not be saved as %1").arg(outcome.notWritten));
+    if (!written && outcome.path.isEmpty())
+        setMessage(title, text("Not copied: %1").arg(outcome.reason));
+    else if (!written)
+        setMessage(title, text("Not saved: %1").arg(outcome.reason));
     else if (savedTo_.isEmpty())
         setMessage(title, text("Copied to the clipboard"));
     else
@@ -246,5 +251,7 @@ void HostWindow::saveAs() {
 }
 
 void HostWindow::openFolder() {
-    QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(savedTo_).absolutePath()));
+    const QString folder = QFileInfo(savedTo_).absolutePath();
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(folder)))
+        setMessage(titleLabel_->text(), text("No program here opens %1").arg(folder));
 }

@@ -87,7 +87,7 @@ void Program::obey(const QByteArray& command) {
     if (command == "capture")
         session_->start();
     else if (command == "cancel")
-        session_->cancel();
+        VLCancelCapture();
     else if (command == "state")
         report(QJsonObject{{"event", "state"}, {"capturing", VLIsCapturing()}});
     else if (command == "dialog")
