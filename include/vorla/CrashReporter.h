@@ -33,7 +33,8 @@ class VL_EXPORT CrashReporter {
     /// Takes the handlers away again.
     void uninstall();
 
-    // To be called before `installWithAppkey`.
+    /// @name To be called before installWithAppkey
+    /// @{
 
     /// Keeps all files in another folder, which is made when missing and must neither be a link nor
     /// writable for others.
@@ -54,8 +55,11 @@ class VL_EXPORT CrashReporter {
     /// Whether an uncaught exception first takes the signals back from another party.
     void enableSignalHandlerCheckable(bool enable);
     void setUserMachHandler(bool enable);
+    /// @}
 
-    // What reports say. Empty texts change nothing.
+    /// @name What reports say
+    /// Empty texts change nothing.
+    /// @{
 
     void setBundleId(const std::string& bundleId);
     void setBundleVer(const std::string& version);
@@ -70,6 +74,7 @@ class VL_EXPORT CrashReporter {
     void addSceneValue(const std::string& value, const std::string& forKey);
     /// A text that goes along with each crash; 10,240 characters of it are kept.
     void setAttachLog(const std::string& text);
+    /// @}
 
     /// Whether the log says what happens; it is silent at first, but for a few lines.
     void enableLog(bool enable);
@@ -92,8 +97,9 @@ class VL_EXPORT CrashReporter {
     void reportError(const std::string& error, const std::string& reason,
                      const std::string& callStack, const std::string& threadScenes);
 
-    // The crash under way, for `exp_call_back_func`; else the latest recorded error. Empty texts
-    // when there is none.
+    /// @name The crash under way
+    /// For `exp_call_back_func`; else the latest recorded error. Empty texts when there is none.
+    /// @{
 
     [[nodiscard]] std::string getCrashType() const;
     /// What the exception says, or the name of the signal's code.
@@ -101,6 +107,7 @@ class VL_EXPORT CrashReporter {
     [[nodiscard]] std::string getCrashStack() const;
     /// The whole report; empty for a recorded error.
     [[nodiscard]] std::string getCrashLog() const;
+    /// @}
 
     /// Whether the handlers are in place.
     bool checkSignalHandler();
@@ -114,7 +121,9 @@ class VL_EXPORT CrashReporter {
     void applicationWillBecomeActive();
     void applicationWillResignActive();
 
-    // Not implemented here: they log, do nothing, or return false.
+    /// @name Not implemented here
+    /// They log, do nothing, or return false.
+    /// @{
 
     void reportUnityExceptionWithName(const std::string& name, const std::string& reason,
                                       const std::string& stack);
@@ -123,11 +132,15 @@ class VL_EXPORT CrashReporter {
     void startBlockMonitor();
     void stopBlockMonitor();
     bool checkBlockDataExistAndReport();
+    /// @}
 
-    // For trying it out: these end the program.
+    /// @name For trying it out
+    /// These end the program.
+    /// @{
 
     void testThrowNSException();
     void testThrowCxxError();
+    /// @}
 
  private:
     CrashReporter() = default;

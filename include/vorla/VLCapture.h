@@ -10,15 +10,16 @@
 #include <functional>
 #include <memory>
 
-// The functions through which a host captures. None throws.
-//
-// Call them on the thread of the host's QApplication. A host without one calls them on the thread
-// that runs its GLib main loop or, before that runs, on the process's first thread. A call on
-// another thread does nothing, logs the reason, and leaves `VLCaptureErrorWrongThread` in
-// `VLLastCaptureError` of that thread.
-//
-// Where two copies of the library are loaded into one process, the first to be used serves it; the
-// other refuses with `VLCaptureErrorOtherCopy`.
+/// @file
+/// The functions through which a host captures. None throws.
+///
+/// Call them on the thread of the host's QApplication. A host without one calls them on the thread
+/// that runs its GLib main loop or, before that runs, on the process's first thread. A call on
+/// another thread does nothing, logs the reason, and leaves `VLCaptureErrorWrongThread` in
+/// `VLLastCaptureError` of that thread.
+///
+/// Where two copies of the library are loaded into one process, the first to be used serves it; the
+/// other refuses with `VLCaptureErrorOtherCopy`.
 
 /// The framework's version, UTF-8, for instance "1.0.0".
 VL_EXPORT extern const char* const VorlaFrameworkVersionString;

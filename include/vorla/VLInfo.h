@@ -5,7 +5,8 @@
 #include <string>
 #include <string_view>
 
-// Facts of the host's product, laid over the information dictionary `Info.json` of the resources.
+/// @file
+/// Facts of the host's product, laid over the information dictionary `Info.json` of the resources.
 
 /// Chooses the theme: "4000", "3000", "1000" or "2000"; any other value the default theme.
 inline constexpr std::string_view VLInfoKeySupplyID = "SupplyID";

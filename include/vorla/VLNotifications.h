@@ -9,7 +9,8 @@
 #include <string_view>
 #include <variant>
 
-// The named broadcasts of a capture session. All are posted on the main thread.
+/// @file
+/// The named broadcasts of a capture session. All are posted on the main thread.
 
 /// A surface got its first press of a session.
 inline constexpr const char* VLNotificationSelectDidBegin = "VLNotificationSelectDidBegin";

@@ -2,8 +2,9 @@
 
 #include <vorla/export.h>
 
-// Usage statistics: counters by event number, kept in a file and sent once per process where the
-// information dictionary names an address (VLInfo.h). Any thread; nothing here waits or throws.
+/// @file
+/// Usage statistics: counters by event number, kept in a file and sent once per process where the
+/// information dictionary names an address (VLInfo.h). Any thread; nothing here waits or throws.
 
 /// The events that the framework counts, and the facts that go out with the counters. The numbers
 /// are stored and sent: never renumber. docs/statistics.md lists when each of them is counted.

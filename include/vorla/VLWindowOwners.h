@@ -1,6 +1,7 @@
 #pragma once
 
-// Owner names of windows that the selection treats in a way of its own, UTF-8.
+/// @file
+/// Owner names of windows that the selection treats in a way of its own, UTF-8.
 
 inline constexpr const char* VLDESKTOP = "Desktop";  ///< stands for the whole screen
 inline constexpr const char* VLDOCK = "Dock";        ///< panels and docks: never snapped to

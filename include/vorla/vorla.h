@@ -1,6 +1,7 @@
 #pragma once
 
-/*
+/**
+ * @file
  * The framework for programs in C, and for every language that calls C. Compiles as C11 and C++20.
  *
  *     vorla_outcome* outcome = NULL;
