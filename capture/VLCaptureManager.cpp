@@ -97,10 +97,13 @@ VLCaptureError VLCaptureManager::obstacle(bool hasRequest, vorla::MainLoop loop)
 VLCaptureError VLCaptureManager::startCaptureByRequest(
     const std::shared_ptr<VLCaptureRequest>& request, VLCaptureEndHandler ended,
     vorla::MainLoop loop) {
-    vorla::fireStatisticEvent(VLStatEventStart);
     const VLCaptureError error = obstacle(request != nullptr, loop);
     setLastError(error);
-    if (error != VLCaptureErrorNone) return error;
+    if (error != VLCaptureErrorNone) {
+        vorla::fireStatisticEvent(VLStatEventStart);
+        return error;
+    }
+    startCounted_ = windowsKept_ = false;
     VLLog("<VLCaptureManager> %s - 开始截图", __func__);
     isCapturing_ = anyCapturing_ = true;
     qAddPostRoutine(&VLCaptureManager::endWithApplication);
@@ -161,7 +164,6 @@ void VLCaptureManager::freezeScreens() {
         if (const auto controller = VLCaptureWindowController::create(
                 {0.0, 0.0, screen.frame.width, screen.frame.height}, screen))
             windowControllers_.push_back(controller);
-    if (const auto server = WindowServer::shared()) server->keepWindows();
 }
 
 void VLCaptureManager::openPanel(uint32_t displayID) {
@@ -170,6 +172,9 @@ void VLCaptureManager::openPanel(uint32_t displayID) {
     if (found == windowControllers_.end()) return;
     const auto controller = *found;
     controller->openPanel();
+    // Before any panel covers them, and as late as that allows: it keeps the server busy.
+    if (const auto server = WindowServer::shared(); server && !std::exchange(windowsKept_, true))
+        server->keepWindows();
     controller->setDelegate(weak_from_this());
     controller->setPaintedHandler([manager = weak_from_this()] {
         if (const auto self = manager.lock()) self->panelWasPainted();
@@ -177,8 +182,15 @@ void VLCaptureManager::openPanel(uint32_t displayID) {
     controller->becomeActive();
 }
 
+/// Counting writes a file, which takes longer than all else on a busy disk: not before the panels
+/// are up.
+void VLCaptureManager::countStart() {
+    if (!std::exchange(startCounted_, true)) vorla::fireStatisticEvent(VLStatEventStart);
+}
+
 void VLCaptureManager::panelWasPainted() {
     if (--panelsAwaited_ != 0) return;
+    countStart();
     // A copy: the handler may set another one.
     if (const auto handler = panelsShownHandler())
         handler(static_cast<int>(windowControllers_.size()));
@@ -279,6 +291,7 @@ void VLCaptureManager::clean() {
     // What a session ended long ago still calls must leave the next one's windows alone.
     if (std::exchange(isCapturing_, false)) {
         anyCapturing_ = false;
+        countStart();
         observers_.clear();
         cleanCaptureWindow();
         if (QCoreApplication::instance()) qRemovePostRoutine(&VLCaptureManager::endWithApplication);

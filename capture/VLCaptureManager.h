@@ -90,6 +90,7 @@ class VLCaptureManager : public VLCaptureWindowControllerDelegate,
     /// Reads every screen of the session, before any panel of ours is shown.
     void freezeScreens();
     void openPanel(uint32_t displayID);
+    void countStart();
     void panelWasPainted();
     void addObserver();
     /// Offers the recorder on every screen, once the panels had time to come up.
@@ -102,6 +103,8 @@ class VLCaptureManager : public VLCaptureWindowControllerDelegate,
     static void endWithApplication();
 
     bool isCapturing_ = false;
+    bool startCounted_ = true;
+    bool windowsKept_ = false;
     inline static std::atomic<bool> anyCapturing_ = false;
     VLCaptureEndHandler ended_;
     std::shared_ptr<VLCaptureRequest> request_;

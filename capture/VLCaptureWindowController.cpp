@@ -52,6 +52,9 @@ void VLCaptureWindowController::openPanel() {
     if (captureViewController_) {
         captureViewController_->setDelegate(weak_from_this());
         window_->setContentView(captureViewController_->view());
+        // Before the panel is shown, so that its first picture holds all there is.
+        captureViewController_->captureView()->pointerIsAt(
+            vorla::pointerLocationInWindow(*window_));
     }
     observers_.observe(NotificationCaptureDidCancel,
                        [this](const Notification&) { captureDidCancel(); });
@@ -70,11 +73,9 @@ void VLCaptureWindowController::handleChangeThemeNotification() {
 
 void VLCaptureWindowController::becomeActive() {
     if (!window_) return;
+    window_->paintAhead();
     window_->makeKeyAndOrderFront();
     window_->orderFrontRegardless();
-    if (captureViewController_)
-        captureViewController_->captureView()->pointerIsAt(
-            vorla::pointerLocationInWindow(*window_));
     VLLog("<VLCaptureWindowController> %s", __func__);
 }
 

@@ -12,6 +12,7 @@ class PlainPanelSurface : public PanelSurface {
     void begin(std::function<void()> /*landedOnTop*/) override {}
     void coverScreen(VLPanel& /*panel*/, const QRect& /*nativeFrame*/) override {}
     void becomeKey(VLPanel& panel) override { panel.activateWindow(); }
+    void wasPainted(VLPanel& /*panel*/) override {}
     void stayOnTop(const std::vector<VLPanel*>& panels, Helpers /*helpers*/) override {
         for (VLPanel* panel : panels) panel->raise();
     }

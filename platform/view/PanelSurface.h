@@ -26,6 +26,9 @@ class PanelSurface {
     /// Gives a shown panel its exact place: a rectangle in native pixels.
     virtual void coverScreen(VLPanel& panel, const QRect& nativeFrame) = 0;
     virtual void becomeKey(VLPanel& panel) = 0;
+    /// A panel just shown has been painted without waiting for its exposure: what was said of that
+    /// up to now asks for no further painting.
+    virtual void wasPainted(VLPanel& panel) = 0;
 
     enum class Helpers {
         Cover,  ///< every other window comes to lie below the panels

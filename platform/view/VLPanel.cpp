@@ -130,10 +130,34 @@ void VLPanel::makeKeyAndOrderFront() {
 
 void VLPanel::orderFrontRegardless() {
     if (closed_) return;
+    if (isVisible()) {
+        show();
+    } else {
+        paintAhead();
+        showPainted();
+    }
+    vorla::PanelStack::shared().add(this);
+}
+
+/// Shows the panel with the picture that was painted ahead. The toolkit would mark all of it for
+/// painting twice, at once and by posted updates, and wait for the exposure. But the server follows
+/// its orders in turn: the pixels reach a window that is on the screen.
+void VLPanel::showPainted() {
+    setAttribute(Qt::WA_UpdatesDisabled);
     show();
+    setAttribute(Qt::WA_UpdatesDisabled, false);
+    QCoreApplication::removePostedEvents(this, QEvent::UpdateLater);
+    for (QWidget* widget : findChildren<QWidget*>())
+        QCoreApplication::removePostedEvents(widget, QEvent::UpdateLater);
     if (!nativeFrame_.isEmpty() && !fitsNatively())
         vorla::PanelStack::shared().surface().coverScreen(*this, nativeFrame_);
-    vorla::PanelStack::shared().add(this);
+    setAttribute(Qt::WA_Mapped);
+    awaitsExposure_ = !windowHandle()->isExposed();
+    backingStore()->flush(rect(), windowHandle());
+    vorla::PanelStack::shared().surface().wasPainted(*this);
+    QTimer::singleShot(0, this, [this] {
+        if (onFirstPaint) onFirstPaint();
+    });
 }
 
 void VLPanel::closePanel() {
@@ -171,10 +195,24 @@ void VLPanel::prepareBackingStore() {
     QBackingStore* store = backingStore();
     if (!store) return;
     store->resize(size());
-    const QRect all(QPoint(), size());
-    store->beginPaint(all);
+    store->beginPaint(rect());
     if (auto* memory = dynamic_cast<QImage*>(store->paintDevice())) memory->fill(Qt::black);
     store->endPaint();
+}
+
+void VLPanel::paintAhead() {
+    if (closed_ || painted_ || isVisible()) return;
+    winId();
+    QBackingStore* store = backingStore();
+    if (!store) return;
+    if (store->size() != size()) store->resize(size());
+    store->beginPaint(rect());
+    {
+        QPainter painter(store->paintDevice());
+        render(&painter, {}, rect(), DrawChildren);
+    }
+    store->endPaint();
+    painted_ = true;
 }
 
 // Keys -----------------------------------------------------------------------------------------
@@ -242,6 +280,8 @@ void VLPanel::watchResponder(const QEvent& event) {
 bool VLPanel::eventFilter(QObject* receiver, QEvent* event) {
     if (receiver == firstResponder_) watchResponder(*event);
     if (receiver != windowHandle()) return false;
+    if (event->type() == QEvent::Expose && windowHandle()->isExposed() && awaitsExposure_)
+        return std::exchange(awaitsExposure_, false);
     if (event->type() == QEvent::KeyPress) return interceptKey(*static_cast<QKeyEvent*>(event));
     if (event->type() == QEvent::MouseButtonPress)
         refuseClickFocus(static_cast<QMouseEvent*>(event)->position().toPoint());
@@ -289,14 +329,6 @@ bool VLPanel::event(QEvent* event) {
     }
     const bool handled = QWidget::event(event);
     if (event->type() == QEvent::WindowBlocked) joinModalWindow();
-    // The update request is where the toolkit paints the dirty region and hands it to the screen.
-    const bool flushed = event->type() == QEvent::UpdateRequest || event->type() == QEvent::Paint;
-    if (flushed && !painted_ && isVisible()) {
-        painted_ = true;
-        QTimer::singleShot(0, this, [this] {
-            if (onFirstPaint) onFirstPaint();
-        });
-    }
     return handled;
 }
 

@@ -75,6 +75,10 @@ class VLPanel : public QWidget {
     /// first showing takes goes into that.
     void prepareBackingStore();
 
+    /// Paints the panel as it is to be shown, which then takes no further painting. Without this
+    /// call, showing paints; here the caller chooses when, say while the server is busy.
+    void paintAhead();
+
     /// Called once, when the panel's first picture has been handed to the screen.
     std::function<void()> onFirstPaint;
 
@@ -106,6 +110,7 @@ class VLPanel : public QWidget {
 
  private:
     friend class VLOverlayPanel;
+    void showPainted();
     [[nodiscard]] bool routeKeyEquivalent(QKeyEvent& event);
     /// A key on its way to the first responder; true if it went elsewhere.
     bool interceptKey(QKeyEvent& event);
@@ -125,4 +130,5 @@ class VLPanel : public QWidget {
     bool composing_ = false;
     bool closed_ = false;
     bool painted_ = false;
+    bool awaitsExposure_ = false;
 };

@@ -37,8 +37,9 @@ constexpr qint64 switchMilliseconds = 400;
 /// Listens on the toolkit's connection to what it does not tell.
 class X11PanelSurface::Watch : public QAbstractNativeEventFilter {
  public:
-    Watch(xcb_connection_t* connection, std::function<void()> landedOnTop)
-        : connection_(connection) {
+    Watch(xcb_connection_t* connection, const std::map<xcb_window_t, uint32_t>& answered,
+          std::function<void()> landedOnTop)
+        : connection_(connection), answered_(answered) {
         settle_.setSingleShot(true);
         settle_.setInterval(settleTime);
         QObject::connect(&settle_, &QTimer::timeout, std::move(landedOnTop));
@@ -70,6 +71,9 @@ class X11PanelSurface::Watch : public QAbstractNativeEventFilter {
                 moved(moving->window, moving->override_redirect);
                 break;
             }
+            case XCB_EXPOSE:
+                return isAnswered(reinterpret_cast<const xcb_expose_event_t*>(event)->window,
+                                  event->full_sequence);
             case XCB_FOCUS_IN:
             case XCB_FOCUS_OUT:
                 focusMoved(*reinterpret_cast<const xcb_focus_in_event_t*>(event));
@@ -81,6 +85,12 @@ class X11PanelSurface::Watch : public QAbstractNativeEventFilter {
     }
 
  private:
+    [[nodiscard]] bool isAnswered(xcb_window_t window, uint32_t sequence) const {
+        const auto found = answered_.find(window);
+        // Numbers of requests begin anew after the largest.
+        return found != answered_.end() && static_cast<int32_t>(sequence - found->second) <= 0;
+    }
+
     void moved(xcb_window_t window, bool unmanaged) {
         if (unmanaged && !QWidget::find(window)) settle_.start();
     }
@@ -111,6 +121,7 @@ class X11PanelSurface::Watch : public QAbstractNativeEventFilter {
     }
 
     xcb_connection_t* connection_;
+    const std::map<xcb_window_t, uint32_t>& answered_;
     QTimer settle_;
     QElapsedTimer sinceGrab_;
     bool grabbed_ = false;
@@ -139,11 +150,12 @@ void X11PanelSurface::begin(std::function<void()> landedOnTop) {
         xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
     focusBefore_ = focus ? focus->focus : XCB_NONE;
     revertBefore_ = focus ? focus->revert_to : 0;
-    watch_ = std::make_unique<Watch>(connection_, std::move(landedOnTop));
+    watch_ = std::make_unique<Watch>(connection_, answered_, std::move(landedOnTop));
 }
 
 void X11PanelSurface::release() {
     watch_.reset();
+    answered_.clear();
     if (!isAlive() || focusBefore_ == XCB_NONE) return;
     // Checked, so that a window that no longer exists is no error event for the toolkit to report.
     const auto cookie =
@@ -171,6 +183,11 @@ void X11PanelSurface::coverScreen(VLPanel& panel, const QRect& nativeFrame) {
 void X11PanelSurface::becomeKey(VLPanel& panel) {
     if (watch_) watch_->forget();
     panel.activateWindow();
+    xcb_flush(connection_);
+}
+
+void X11PanelSurface::wasPainted(VLPanel& panel) {
+    answered_[windowOf(panel)] = xcb_no_operation(connection_).sequence;
     xcb_flush(connection_);
 }
 

@@ -2,6 +2,7 @@
 
 #include <xcb/xcb.h>
 
+#include <map>
 #include <memory>
 
 #include "platform/view/PanelSurface.h"
@@ -18,6 +19,7 @@ class X11PanelSurface : public PanelSurface {
     void begin(std::function<void()> landedOnTop) override;
     void coverScreen(VLPanel& panel, const QRect& nativeFrame) override;
     void becomeKey(VLPanel& panel) override;
+    void wasPainted(VLPanel& panel) override;
     void stayOnTop(const std::vector<VLPanel*>& panels, Helpers helpers) override;
     Keyboard keyboard(const std::vector<VLPanel*>& panels) override;
     std::optional<QPointF> pointer(const VLPanel& panel) override;
@@ -38,6 +40,8 @@ class X11PanelSurface : public PanelSurface {
     xcb_connection_t* connection_;
     xcb_window_t focusBefore_ = XCB_NONE;
     uint8_t revertBefore_ = 0;
+    /// The last request before which a panel's exposure has been answered.
+    std::map<xcb_window_t, uint32_t> answered_;
     std::unique_ptr<Watch> watch_;
 };
 
