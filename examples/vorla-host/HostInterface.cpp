@@ -1,6 +1,7 @@
 #include "HostInterface.h"
 
 #include <QApplication>
+#include <QWindow>
 
 #include "AboutBox.h"
 #include "HostIcon.h"
@@ -52,7 +53,7 @@ void HostInterface::makeTrayEntry() {
 void HostInterface::openWindow() {
     isAside_ = false;
     // Else the window manager chooses a new place each time.
-    if (place_ && !window_.isVisible()) window_.move(*place_);
+    if (place_ && !window_.isVisible()) window_.windowHandle()->setPosition(*place_);
     window_.setWindowState(window_.windowState() & ~Qt::WindowMinimized);
     window_.show();
     window_.raise();
@@ -77,7 +78,7 @@ void HostInterface::captureEnded(const Outcome& outcome) {
 }
 
 void HostInterface::hideWindow() {
-    place_ = window_.pos();
+    place_ = window_.windowHandle()->position();
     window_.hide();
 }
 

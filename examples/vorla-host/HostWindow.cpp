@@ -59,6 +59,8 @@ HostWindow::HostWindow(HostActions& actions, std::function<void()> closed)
         text("Click a window or drag a region of the screen.\n"
              "Return delivers the picture, Esc cancels."));
     setMessage(text("No picture yet"), {});
+    // Explicitly, or the toolkit would choose a size anew each time that the window is shown.
+    resize(sizeHint());
 }
 
 void HostWindow::makeOwnActions() {
