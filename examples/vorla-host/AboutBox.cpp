@@ -28,7 +28,7 @@ QString aboutText() {
            paragraph(text("Counters of the tools used, once a start, to: <b>%1</b>")
                          .arg(addressOrNobody(VLInfoKeyStatisticsURL))) +
            paragraph(text("Reports of crashes (the program's call stacks and the files that it has "
-                          "loaded), to: <b>%1</b>")
+                          "loaded), and when the program ran, to: <b>%1</b>")
                          .arg(addressOrNobody(VLInfoKeyCrashSyncURL))) +
            paragraph(text("With both goes a number by which the server tells machines apart.")) +
            paragraph(text("Never: pictures, titles of windows, names of files that you save."));
