@@ -4,19 +4,11 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "crash/CvrLog.h"
-#include "crash/upload/CvrReqDataPackage.h"
 #include "crash/upload/CvrZipUtil.h"
-#include "platform/base/VLLog.h"
+#include "fuzz/FuzzCrashReplies.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
-    static const bool prepared = [] {
-        vorla::setLogHandler([](std::string_view) {});
-        CvrProtocolDataRegister::sharedInstance().registResponseObjectType(
-            [] { return std::make_shared<CvrLocalStrategy>(); }, CvrCommandQueryStrategy);
-        return true;
-    }();
-    (void)prepared;
+    vorla::fuzz::prepareForReplies();
     const std::span input(bytes, size);
     CvrError error;
     (void)CvrReqDataPackage().initWithRspData(input, error);

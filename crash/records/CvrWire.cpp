@@ -1,20 +1,20 @@
 #include "crash/records/CvrWire.h"
 
 namespace cvr {
+namespace {
+
+/// Writes the fields under the tags 0, 1, 2 and so on.
+template <typename... Fields>
+void writeFields(PakOutputStream& stream, const Fields&... fields) {
+    uint8_t tag = 0;
+    (stream.write(fields, tag++), ...);
+}
+
+}  // namespace
 
 void RequestPkg::writeTo(PakOutputStream& stream) const {
-    stream.write(platformId, 0);
-    stream.write(productId, 1);
-    stream.write(bundleId, 2);
-    stream.write(productVersion, 3);
-    stream.write(channel, 4);
-    stream.write(sdkVersion, 5);
-    stream.write(cmd, 6);
-    stream.write(sBuffer, 7);
-    stream.write(model, 8);
-    stream.write(hardwareOs, 9);
-    stream.write(reserved, 10);
-    stream.write(sessionId, 11);
+    writeFields(stream, platformId, productId, bundleId, productVersion, channel, sdkVersion, cmd,
+                sBuffer, model, hardwareOs, reserved, sessionId);
 }
 
 void ResponsePkg::readFrom(PakInputStream& stream) {
@@ -41,61 +41,29 @@ void CvrStrategy::readFrom(PakInputStream& stream) {
 }
 
 void SummaryInfo::writeTo(PakOutputStream& stream) const {
-    stream.write(startTime, 0);
-    stream.write(startType, 1);
-    stream.write(userid, 2);
-    stream.write(proc, 3);
-    stream.write(sessionId, 4);
+    writeFields(stream, startTime, startType, userid, proc, sessionId);
 }
 
 void UserInfoPackage::writeTo(PakOutputStream& stream) const {
-    stream.write(type, 0);
-    stream.write(proceName, 1);
-    stream.write(deviceId, 2);
-    stream.write(summaryInfos, 3);
-    stream.write(valueMap, 4);
+    writeFields(stream, type, proceName, deviceId, summaryInfos, valueMap);
 }
 
 void AppInfo::writeTo(PakOutputStream& stream) const {
-    stream.write(processName, 0);
-    stream.write(cpuArchVersion, 1);
-    stream.write(processUUID, 2);
-    stream.write(processBaseAddr, 3);
-    stream.write(version, 4);
-    stream.write(extras, 5);
+    writeFields(stream, processName, cpuArchVersion, processUUID, processBaseAddr, version, extras);
 }
 
 void AppSession::writeTo(PakOutputStream& stream) const {
-    stream.write(sessionId, 0);
-    stream.write(events, 1);
+    writeFields(stream, sessionId, events);
 }
 
 void Attachment::writeTo(PakOutputStream& stream) const {
-    stream.write(type, 0);
-    stream.write(fileName, 1);
-    stream.write(data, 2);
+    writeFields(stream, type, fileName, data);
 }
 
 void ExceptionUpload::writeTo(PakOutputStream& stream) const {
-    stream.write(crashType, 0);
-    stream.write(crashTime, 1);
-    stream.write(exceptionType, 2);
-    stream.write(causedBy, 3);
-    stream.write(address, 4);
-    stream.write(thread, 5);
-    stream.write(callStack, 6);
-    stream.write(allStacks, 7);
-    stream.write(expUid, 8);
-    stream.write(sessionInfo, 9);
-    stream.write(dcount, 10);
-    stream.write(userId, 11);
-    stream.write(deviceId, 12);
-    stream.write(appInfo, 13);
-    stream.write(appInfoList, 14);
-    stream.write(reserved, 15);
-    stream.write(attachmentList, 16);
-    stream.write(valueMap, 17);
-    stream.write(userMap, 18);
+    writeFields(stream, crashType, crashTime, exceptionType, causedBy, address, thread, callStack,
+                allStacks, expUid, sessionInfo, dcount, userId, deviceId, appInfo, appInfoList,
+                reserved, attachmentList, valueMap, userMap);
 }
 
 }  // namespace cvr

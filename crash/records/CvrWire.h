@@ -8,9 +8,9 @@
 #include "NEX/NEX+PAK/SerializationPAK/compact/PakInputStream.h"
 #include "NEX/NEX+PAK/SerializationPAK/compact/PakOutputStream.h"
 
-/// The records that the crash reporter sends and receives. The numbers in their `writeTo` and
-/// `readFrom` are tags of the wire: never renumber. Records that are written have all their fields
-/// written, empty ones too.
+/// The records that the crash reporter sends and receives. The order in their `writeTo` and the
+/// numbers in their `readFrom` are tags of the wire: never renumber. Records that are written have
+/// all their fields written, empty ones too.
 namespace cvr {
 
 using analyticspak::PakInputStream;

@@ -29,8 +29,13 @@ CvrFilePersistHandler::CvrFilePersistHandler(std::string folder, CvrModelBase& m
     noteForHandlerLocked();
 }
 
+// Not under the main lock alone: whoever counts crashes does not wait for it.
 std::optional<StoreFolder> CvrFilePersistHandler::openFolder() const {
-    return StoreFolder::open(folder_, origin_);
+    std::unique_lock lock(preparedMutex_);
+    const std::string folder = folder_;
+    const auto origin = origin_;
+    lock.unlock();
+    return StoreFolder::open(folder, origin);
 }
 
 bool CvrFilePersistHandler::changeDbPath(const std::string& path) {
@@ -43,8 +48,10 @@ bool CvrFilePersistHandler::changeDbPath(const std::string& path) {
     if (!there) CvrLogInfo("<INFO> CVR: create dir %s", path.c_str());
     {
         const std::lock_guard lock(mutex_);
+        std::unique_lock folder(preparedMutex_);
         folder_ = path;
         origin_ = StoreFolder::Origin::Given;
+        folder.unlock();
         noteForHandlerLocked();
     }
     CvrLogInfo("<INFO> CVR: **reset default crash data path %s ", path.c_str());

@@ -142,6 +142,7 @@ class CvrFilePersistHandler {
     bool dataLoaded_ = false;
     std::shared_ptr<const CvrLocalStrategy> commonStrategyData_;
     bool strategyLoaded_ = false;
+    /// Of what is left, and of folder and origin as well.
     mutable std::mutex preparedMutex_;
     Prepared prepared_;
 };

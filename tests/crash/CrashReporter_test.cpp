@@ -135,6 +135,8 @@ TEST_F(CrashReporterRun, MergesEqualCrashes) {
     EXPECT_EQ(crash["dcount"], 2);
     EXPECT_EQ(crash["crashType"], "200");
     EXPECT_EQ(crash["attachmentList"][1]["fileName"], "crash_times.log");
+    const auto times = crash["attachmentList"][1]["data"].get<std::string>();
+    EXPECT_EQ(std::ranges::count(times, ';'), 1) << times;
     // It stays today, for the next ones to be merged into.
     EXPECT_EQ(stored(), 1U);
 }
