@@ -63,7 +63,9 @@ function(vorla_add_module name)
   target_compile_definitions(${target} PRIVATE VORLA_VERSION="${PROJECT_VERSION}")
   target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
   target_link_libraries(${target} PRIVATE ${ARG_DEPENDS})
-  target_link_options(${target} PRIVATE -Wl,-z,now -Wl,--as-needed)
+  # A module may need nothing of the C library itself; packages want it named all the same.
+  target_link_options(${target} PRIVATE -Wl,-z,now -Wl,--as-needed
+    LINKER:--push-state,--no-as-needed,-lc,--pop-state)
   if(ARG_QT)
     target_link_libraries(${target} PRIVATE Qt6::Gui)
     target_compile_definitions(${target} PRIVATE QT_NO_KEYWORDS QT_NO_CAST_TO_ASCII)
