@@ -11,10 +11,11 @@ function(vorla_add_framework name map)
     INSTALL_RPATH "$ORIGIN")
   # Threads of ours may still be at work when a host closes the library: it stays loaded. Names are
   # bound at loading: a crash handler must not enter the loader.
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/${map} ${PROJECT_BINARY_DIR}/${map} @ONLY)
   target_link_options(${name} PRIVATE -Wl,-z,nodelete -Wl,-z,now -Wl,-Bsymbolic-functions
     -Wl,--as-needed
-    -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/${map})
-  set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/${map})
+    -Wl,--version-script=${PROJECT_BINARY_DIR}/${map})
+  set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS ${PROJECT_BINARY_DIR}/${map})
   foreach(folder IN LISTS ARGN)
     target_sources(${name} PRIVATE $<TARGET_OBJECTS:${folder}>)
   endforeach()

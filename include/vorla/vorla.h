@@ -212,9 +212,9 @@ typedef struct vorla_crash_options {
     const char* channel;
     uint32_t flags;        /**< VORLA_CRASH_ bits */
     uint32_t reserved;     /**< 0 */
-    void (*crashed)(void); /**< called in the dying program when its report is on disk, on the
-                                faulting thread: it should do little, and is cut short when it
-                                takes long */
+    void (*crashed)(void); /**< called when a report is on disk: in the dying program, on the
+                                faulting thread, where it should do little and is cut short when
+                                it takes long; and in `vorla_crash_report` */
 } vorla_crash_options;
 
 #define VORLA_CRASH_OPTIONS_INIT \
