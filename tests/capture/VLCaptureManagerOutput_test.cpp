@@ -64,6 +64,7 @@ TEST_F(Output, AFileThatCannotBeWrittenIsStillTold) {
     EXPECT_TRUE(host_->delivered[0].path->starts_with(file + "/below/Vorla"));
     EXPECT_EQ(host_->delivered[0].image.size(), QSize(30, 20));
     EXPECT_EQ(log_.count("writeToFile failed with error"), 1);
+    EXPECT_EQ(VLLastCaptureError(), VLCaptureErrorPath);
 }
 
 TEST_F(Output, IsHandedOutOnlyWhenTheSessionIsOver) {

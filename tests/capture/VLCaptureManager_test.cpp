@@ -107,6 +107,7 @@ TEST_F(Session, ASecondStartIsRefusedAndStillCounted) {
 
 TEST_F(Session, DoesNotStartWithoutARequestOrAWindowServer) {
     EXPECT_FALSE(VLStartCapture(nullptr));
+    EXPECT_EQ(VLLastCaptureError(), VLCaptureErrorNoRequest);
     EXPECT_FALSE(VLIsCapturing());
     EXPECT_EQ(events_, std::vector<int>({1017}));
 }
