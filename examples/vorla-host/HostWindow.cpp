@@ -13,7 +13,9 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPainter>
 #include <QPushButton>
+#include <QStyle>
 #include <QUrl>
 #include <QVBoxLayout>
 #include <QWidgetAction>
@@ -26,6 +28,22 @@
 #include "Translation.h"
 
 namespace {
+
+/// Shortens its text to the room that it has.
+class ElidedLabel : public QLabel {
+ public:
+    explicit ElidedLabel(QWidget* parent) : QLabel(parent) {
+        setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    }
+
+ protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        style()->drawItemText(
+            &painter, rect(), Qt::AlignLeading | Qt::AlignVCenter, palette(), isEnabled(),
+            fontMetrics().elidedText(text(), Qt::ElideMiddle, width()), foregroundRole());
+    }
+};
 
 QPushButton* makeButton(QAction* action, QWidget* parent) {
     auto* button = new QPushButton(action->icon(), action->text(), parent);
@@ -45,7 +63,7 @@ HostWindow::HostWindow(HostActions& actions, std::function<void()> closed)
       folder_(new QAction(this)),
       preview_(new PicturePreview(this)),
       titleLabel_(new QLabel(this)),
-      detailLabel_(new QLabel(this)) {
+      detailLabel_(new ElidedLabel(this)) {
     setWindowTitle(text("Vorla sample host"));
     makeOwnActions();
     auto* layout = new QVBoxLayout(this);
@@ -136,8 +154,6 @@ QLayout* HostWindow::makeFooter() {
     QFont font = titleLabel_->font();
     font.setBold(true);
     titleLabel_->setFont(font);
-    // Its text follows the room that it has, not the other way about.
-    detailLabel_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     titleLabel_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto* words = new QVBoxLayout;
     words->setSpacing(2);
@@ -197,21 +213,9 @@ void HostWindow::showPicture(const Outcome& outcome) {
 
 void HostWindow::setMessage(const QString& title, const QString& detail) {
     titleLabel_->setText(title);
-    detail_ = detail;
+    detailLabel_->setText(detail);
     detailLabel_->setToolTip(detail);
     detailLabel_->setVisible(!detail.isEmpty());
-    elideDetail();
-}
-
-void HostWindow::elideDetail() {
-    detailLabel_->setText(
-        detailLabel_->fontMetrics().elidedText(detail_, Qt::ElideMiddle, detailLabel_->width()));
-}
-
-void HostWindow::resizeEvent(QResizeEvent* event) {
-    QWidget::resizeEvent(event);
-    layout()->activate();
-    elideDetail();
 }
 
 void HostWindow::closeEvent(QCloseEvent* event) {

@@ -19,7 +19,6 @@ class HostWindow : public QWidget {
     void showOutcome(const Outcome& outcome);
 
  protected:
-    void resizeEvent(QResizeEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
  private:
@@ -29,7 +28,6 @@ class HostWindow : public QWidget {
     QLayout* makeFooter();
     void showPicture(const Outcome& outcome);
     void setMessage(const QString& title, const QString& detail);
-    void elideDetail();
     void copyAgain();
     void saveAs();
     void openFolder();
@@ -37,7 +35,6 @@ class HostWindow : public QWidget {
     std::function<void()> closed_;
     QByteArray png_;
     QString savedTo_;
-    QString detail_;
     QAction* copy_;
     QAction* save_;
     QAction* folder_;
