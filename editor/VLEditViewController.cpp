@@ -67,10 +67,18 @@ void VLEditViewController::setBackgroundImage(const QImage& image) {
     if (!backgroundImageView_ || !backgroundImageView_->image().isNull() || image.isNull()) return;
     backgroundImageView_->setImage(image);
     VLMosaicCurveItem::setOriginalImage(image);
+    prepareTool();
+}
+
+/// Most sessions do without a mosaic.
+void VLEditViewController::prepareTool() const {
+    if (editView_ && editView_->graphType() == VLEditGraphTypeMosaicPen)
+        VLMosaicCurveItem::prepare();
 }
 
 void VLEditViewController::graphTypeDidChange(int64_t graphType) {
     if (editView_) editView_->setGraphType(graphType);
+    prepareTool();
 }
 
 void VLEditViewController::colorDidChange(const QColor& color) {

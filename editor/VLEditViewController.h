@@ -34,6 +34,8 @@ class VLEditViewController : public VLToolbarWindowControllerDelegate {
  private:
     class BackgroundImageView;
 
+    void prepareTool() const;
+
     QPointer<BackgroundImageView> backgroundImageView_;
     QPointer<VLEditView> editView_;
 };

@@ -1,6 +1,7 @@
 #include "selection/VLCaptureViewController.h"
 
-#include <QPainter>
+#include <QTimer>
+#include <chrono>
 
 #include "imaging/ImageHelpers.h"
 #include "platform/base/VLLog.h"
@@ -11,6 +12,13 @@
 
 using vorla::Notification;
 using vorla::NotificationCenter;
+
+namespace {
+
+/// Until the toolbar has been painted.
+constexpr std::chrono::milliseconds delayOfPopover(30);
+
+}  // namespace
 
 std::shared_ptr<VLCaptureViewController> VLCaptureViewController::create(
     const VLRect& frame, const vorla::FrozenScreen& screen) {
@@ -126,6 +134,11 @@ void VLCaptureViewController::showToolbar() {
     }
     toolbarWindowController_->setPosition(findToolbarPosition());
     panel->addChild(toolbar);
+    // While the user looks for a tool, what its click will show is made.
+    QTimer::singleShot(delayOfPopover, toolbar, [bar = std::weak_ptr(toolbarWindowController_)] {
+        if (const auto controller = bar.lock())
+            static_cast<void>(controller->popoverWindowController());
+    });
 }
 
 void VLCaptureViewController::hideToolbar() {

@@ -84,13 +84,15 @@ QImage averages(const QImage& image) {
 
 std::shared_ptr<MosaicPicture> MosaicPicture::create(const QImage& image) {
     if (image.isNull()) return nullptr;
-    const std::shared_ptr<MosaicPicture> picture(new MosaicPicture(image));
+    return std::shared_ptr<MosaicPicture>(new MosaicPicture(image));
+}
+
+void MosaicPicture::prepare() {
     try {
-        DispatchQueue::global().async([picture] { picture->blocks(); });
+        DispatchQueue::global().async([self = shared_from_this()] { self->blocks(); });
     } catch (const std::system_error&) {
         // Without a thread, the first stroke works them out.
     }
-    return picture;
 }
 
 MosaicPicture::MosaicPicture(const QImage& image)

@@ -13,13 +13,16 @@ namespace vorla {
 /// The picture's pixels are divided into squares of `kBlockSide`, laid so that the middle of one of
 /// them is the picture's middle (half a pixel is rounded down). A square has the average colour of
 /// those of its pixels that lie in the picture. The averages are worked out once, on the background
-/// queue; who needs them earlier works them out in its place. Any thread.
-class MosaicPicture {
+/// queue when that was asked for; who needs them earlier works them out in its place. Any thread.
+class MosaicPicture : public std::enable_shared_from_this<MosaicPicture> {
  public:
     static constexpr int kBlockSide = 20;
 
     /// Null for a null image.
     static std::shared_ptr<MosaicPicture> create(const QImage& image);
+
+    /// Has the averages worked out on the background queue. Returns at once.
+    void prepare();
 
     /// Size of the picture in points.
     [[nodiscard]] VLSize size() const { return size_; }

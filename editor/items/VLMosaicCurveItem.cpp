@@ -45,6 +45,10 @@ void VLMosaicCurveItem::setOriginalImage(const QImage& image) {
     sharedPicture() = vorla::MosaicPicture::create(image);
 }
 
+void VLMosaicCurveItem::prepare() {
+    if (const auto picture = orinialCIImage()) picture->prepare();
+}
+
 const std::shared_ptr<vorla::MosaicPicture>& VLMosaicCurveItem::orinialCIImage() {
     return sharedPicture();
 }

@@ -19,8 +19,10 @@ class VLMosaicCurveItem : public VLCurveItem {
                       VLSize size);
 
     /// The picture that lies under the canvas, its lower left corner at the canvas's zero point;
-    /// null at the session's end. Returns at once: the squares are made in the background.
+    /// null at the session's end.
     static void setOriginalImage(const QImage& image);
+    /// The squares will soon be wanted: they are made in the background.
+    static void prepare();
     /// Null without a picture.
     [[nodiscard]] static const std::shared_ptr<vorla::MosaicPicture>& orinialCIImage();
     /// In points; zero without a picture.

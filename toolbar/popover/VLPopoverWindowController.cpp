@@ -23,6 +23,7 @@ bool isTernTheme() {
 std::shared_ptr<VLPopoverWindowController> VLPopoverWindowController::create() {
     std::shared_ptr<VLPopoverWindowController> controller(new VLPopoverWindowController);
     controller->setupPickers();
+    controller->configAppearanceAndLayout();
     controller->observers_.observe(VLCaptureNotificationForChangeTheme,
                                    [self = controller.get()](const vorla::Notification&) {
                                        self->handleChangeThemeNotification();
@@ -86,6 +87,7 @@ void VLPopoverWindowController::dropPickers() {
 }
 
 void VLPopoverWindowController::forceClose() {
+    openingPress_.reset();
     animation_.stop();
     if (lineColorView_) lineColorView_->hideMenu();
     if (fontSizeView_) fontSizeView_->hideMenu();
@@ -208,10 +210,14 @@ void VLPopoverWindowController::layoutSubViews() {
 
 void VLPopoverWindowController::configAppearanceAndLayout() {
     if (!window_) return;
-    popoverView_->configAppearanceAndLayout();
-    fontSizeView_->configAppearanceAndLayout();
-    lineColorView_->configAppearanceAndLayout();
-    lineWidthView_->configAppearanceAndLayout();
+    // Colours and pictures change with the theme and the screen only.
+    if (const double scale = popoverView_->backingScale(); dressedScale_ != scale) {
+        dressedScale_ = scale;
+        popoverView_->configAppearanceAndLayout();
+        fontSizeView_->configAppearanceAndLayout();
+        lineColorView_->configAppearanceAndLayout();
+        lineWidthView_->configAppearanceAndLayout();
+    }
     layoutSubViews();
     if (shadow_) shadow_->setMaskImage(popoverView_->maskImage());
 }
@@ -230,6 +236,7 @@ void VLPopoverWindowController::handleChangeThemeNotification() {
         window_->setFrame(VLRect::make(popoverPosition(), windowSizeOfType(popoverType_)));
         popoverView_->setArrowPoint(arrowPoint_ - window_->frame().origin());
     }
+    dressedScale_ = 0.0;
     configAppearanceAndLayout();
 }
 
@@ -293,6 +300,9 @@ void VLPopoverWindowController::animateOpening() {
     animation_.setDuration(static_cast<int>(alphaTransformAnimationStyleDuration * 1000.0));
     animation_.setEasingCurve(QEasingCurve::InQuad);
     animation_.start();
+    // A press is for the pickers, not for their picture.
+    openingPress_ = std::make_unique<vorla::PressMonitor>(
+        [this](const vorla::PressMonitor::Press&) { endAnimation(); });
 }
 
 void VLPopoverWindowController::showAnimationStep(double fraction) {
@@ -305,6 +315,7 @@ void VLPopoverWindowController::showAnimationStep(double fraction) {
 }
 
 void VLPopoverWindowController::endAnimation() {
+    openingPress_.reset();
     animation_.stop();
     if (snapshotView_) {
         snapshotView_->hide();

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "platform/base/NotificationCenter.h"
+#include "platform/view/PressMonitor.h"
 #include "platform/view/VLOverlayPanel.h"
 #include "toolbar/PanelShadow.h"
 #include "toolbar/popover/ToolbarConfiguration.h"
@@ -112,6 +113,9 @@ class VLPopoverWindowController : public VLPopoverLineWidthViewDelegate,
     QPointer<VLPopoverLineColorView> lineColorView_;
     QPointer<VLPopoverFontSizeView> fontSizeView_;
     QPointer<VLImageView> snapshotView_;
+    /// Of the screen that the views were last dressed for; 0 before.
+    double dressedScale_ = 0.0;
+    std::unique_ptr<vorla::PressMonitor> openingPress_;
     QVariantAnimation animation_;
     vorla::NotificationObservers observers_;
 };
