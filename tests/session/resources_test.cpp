@@ -59,8 +59,15 @@ class Resources : public SessionTest {
                 driver->release();
                 ASSERT_TRUE(host().hear("cancelled")) << "session " << number;
                 break;
-            default:  // a region, delivered
-                driver->drag({300, 200}, {400, 300}, 2);
+            default:  // a region with every kind of item on it, delivered
+                driver->drag({300, 200}, {800, 600}, 2);
+                for (int tool = 1; tool <= 7; ++tool) {
+                    driver->key(std::to_string(tool));
+                    driver->drag({300 + tool * 50, 250}, {340 + tool * 50, 400 + number}, 3);
+                    if (tool < 6) continue;
+                    driver->key("a");
+                    driver->click(320, 500);  // ends the typing
+                }
                 driver->key("Return");
                 ASSERT_TRUE(host().hear("finished")) << "session " << number;
         }
