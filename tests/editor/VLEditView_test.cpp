@@ -2,10 +2,7 @@
 
 #include "editor/VLEditView.h"
 
-#include <random>
-
 #include "editor/VLEditNotifications.h"
-#include "editor/items/VLRoundRectItem.h"
 #include "editor/items/VLTextViewBasedItem.h"
 #include "platform/base/NotificationCenter.h"
 #include "tests/editor/CanvasTest.h"
@@ -160,32 +157,6 @@ TEST_P(Canvas, KeysUndoAndRedo) {
     key(Qt::Key_Z, Qt::ControlModifier);
     key(Qt::Key_Y, Qt::ControlModifier);
     EXPECT_EQ(count(), 1U);
-}
-
-TEST_P(Canvas, ThousandItemsGoAndComeBack) {
-    std::mt19937 random(7);
-    std::uniform_real_distribution<double> x(0, 600);
-    std::uniform_real_distribution<double> y(0, 360);
-    view().setGraphType(VLEditGraphTypeRoundRect);
-    for (int i = 0; i < 1000; ++i) {
-        const auto item = std::make_shared<VLRoundRectItem>(std::weak_ptr<VLEditItemSuperView>(),
-                                                            VLPoint{}, VLSize{});
-        item->setNormalStrokeColor(QColor::fromHsv(i % 360, 255, 255));
-        item->setNormalStrokeWidth(2);
-        item->setResizeFixedPoint({x(random), y(random)});
-        item->setResizeChangePoint({x(random), y(random)});
-        view().setGraphType(VLEditGraphTypeRoundRect);
-        view().addItem(item);
-    }
-    const QImage full = delivered();
-    expectDrawnAnew(full);
-    while (view().undo()) {
-    }
-    expectShown(picture_);
-    while (view().redo()) {
-    }
-    expectShown(full);
-    EXPECT_EQ(delivered(), full);
 }
 
 INSTANTIATE_TEST_SUITE_P(Scales, Canvas, testing::Values(1.0, 2.0));

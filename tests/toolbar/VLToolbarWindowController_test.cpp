@@ -202,11 +202,3 @@ TEST_F(Toolbar, ButtonsHaveNamesAndCanBePressedByScreenReaders) {
             }
     }
 }
-
-TEST(FunctionButtonType, NamesAreReadBack) {
-    for (int64_t type = 0; type < 4; ++type)
-        EXPECT_EQ(VLToolbarFunctionButtonTypeForString(*VLToolbarFunctionButtonTypeString(type)),
-                  type);
-    for (const int64_t type : {-1, 4}) EXPECT_FALSE(VLToolbarFunctionButtonTypeString(type));
-    EXPECT_EQ(VLToolbarFunctionButtonTypeForString("nonsense"), VLToolbarFunctionButtonTypeUndo);
-}

@@ -29,16 +29,6 @@ std::shared_ptr<ItemType> spanned(VLPoint from, VLPoint to, double width = 2.0) 
     return item;
 }
 
-TEST(GraphTypes, HaveNamesBothWays) {
-    for (int64_t type = 0; type < 8; ++type) {
-        ASSERT_TRUE(VLEditGraphTypeString(type));
-        EXPECT_EQ(VLEditGraphTypeForString(*VLEditGraphTypeString(type)), type);
-    }
-    EXPECT_EQ(VLEditGraphTypeString(6), "VLEditGraphTypeMosaicPen");
-    EXPECT_FALSE(VLEditGraphTypeString(8));
-    EXPECT_EQ(VLEditGraphTypeForString("oval"), VLEditGraphTypeNone);
-}
-
 TEST(EditItem, EveryHandleResizesAgainstItsFixedCorner) {
     struct Case {
         const char* name;
