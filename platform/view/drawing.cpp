@@ -46,8 +46,12 @@ void drawImage(QPainter& painter, const QImage& image, const VLRect& target, con
 
 void drawImage(QPainter& painter, const QImage& image, const VLRect& target) {
     const double scale = image.devicePixelRatio();
-    drawImage(painter, image, target, {0.0, 0.0, image.width() / scale, image.height() / scale},
-              Interpolation::Smooth);
+    const VLRect whole{0.0, 0.0, image.width() / scale, image.height() / scale};
+    // Pixel for pixel there is nothing to smooth, and the toolkit's way of trying costs several
+    // times as much as the copy.
+    const bool pixelForPixel = target.size() == whole.size();
+    drawImage(painter, image, target, whole,
+              pixelForPixel ? Interpolation::None : Interpolation::Smooth);
 }
 
 VLSize textSize(const QString& text, const QFont& font) {
