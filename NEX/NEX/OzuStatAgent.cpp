@@ -79,7 +79,10 @@ void OzuStatService::statWithCompleteBlock(std::function<void()> completeBlock,
         const auto ended = std::make_shared<std::binary_semaphore>(0);
         {
             const vorla::ExitGate::Stay stay;
-            OzuHTTPSessionManager::prepareLibraries();
+            if (!OzuHTTPSessionManager::prepareLibraries()) {
+                if (failedBlock) failedBlock();
+                return;
+            }
             const auto record = VLSTStat::ozuhdInstance();
             agent->stat(*record, [ended, completeBlock, failedBlock](bool accepted) {
                 ended->release();
