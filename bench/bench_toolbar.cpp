@@ -88,8 +88,8 @@ class Session {
                                                       vorla::FrozenScreen(picture));
         panel_->coverScreen(QGuiApplication::primaryScreen());
         panel_->setContentView(controller_->view());
-        panel_->makeKeyAndOrderFront();
-        runUntilPainted(controller_->captureView());
+        panel_->makeKeyAndOrderFront();  // painted ahead
+        QCoreApplication::processEvents();
         auto& surface = *controller_->captureView();
         surface.setStartPoint({size.width() * 0.2, size.height() * 0.2});
         surface.setEndPoint({size.width() * 0.8, size.height() * 0.8});
