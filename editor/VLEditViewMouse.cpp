@@ -178,6 +178,8 @@ void VLEditView::handelCreateItemWithMouseDown(VLPoint point) {
         else
             setFocusItem(nullptr);
     };
+    std::optional<VLEventTracker::EveryMovement> everyMovement;
+    if (item && item->supports(VLEditSupportAddPoint)) everyMovement.emplace();
     track(dragged, released);
 }
 

@@ -176,6 +176,15 @@ bool VLEventTracker::trackEventsMatchingMask(VLView& view, unsigned mask,
     return panelIsThere;
 }
 
+VLEventTracker::EveryMovement::EveryMovement()
+    : joined_(QCoreApplication::testAttribute(Qt::AA_CompressHighFrequencyEvents)) {
+    QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
+}
+
+VLEventTracker::EveryMovement::~EveryMovement() {
+    QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, joined_);
+}
+
 bool VLEventTracker::isTracking() {
     return tracking;
 }

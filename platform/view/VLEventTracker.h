@@ -30,6 +30,19 @@ class VLEventTracker {
     static bool trackEventsMatchingMask(VLView& view, unsigned mask,
                                         std::chrono::milliseconds timeout, const Handler& handler);
 
+    /// While it lives, every movement of the pointer becomes an event. The toolkit joins those that
+    /// wait in its queue, and a line drawn quickly would lose its bends.
+    class EveryMovement {
+     public:
+        EveryMovement();
+        ~EveryMovement();
+        EveryMovement(const EveryMovement&) = delete;
+        EveryMovement& operator=(const EveryMovement&) = delete;
+
+     private:
+        bool joined_;
+    };
+
     [[nodiscard]] static bool isTracking();
 
     /// Runs `task` at once when no drag is being tracked, else as soon as the drag is over, unless
