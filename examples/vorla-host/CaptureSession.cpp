@@ -77,9 +77,9 @@ void CaptureSession::captureRequest(VLCaptureRequest& /*request*/,
         {"path", saveToPath ? QJsonValue(QString::fromStdString(*saveToPath)) : QJsonValue()}});
 }
 
-/// Hears more than the delegate: that the user closed the save dialog, and what went wrong.
+/// Hears more than the delegate, whose calls make the events: that the user closed the save dialog,
+/// and what went wrong.
 void CaptureSession::sessionEnded(const VLCaptureOutcome& end) {
-    if (end.kind == VLCaptureOutcomeSaveDismissed) report("cancelled");
     Outcome outcome{.status = statusOf(end.kind),
                     .png = byteArray(end.imageData),
                     .path = QString::fromStdString(end.path)};
