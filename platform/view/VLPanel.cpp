@@ -153,7 +153,7 @@ void VLPanel::showPainted() {
         vorla::PanelStack::shared().surface().coverScreen(*this, nativeFrame_);
     setAttribute(Qt::WA_Mapped);
     awaitsExposure_ = !windowHandle()->isExposed();
-    backingStore()->flush(rect(), windowHandle());
+    if (QBackingStore* store = backingStore()) store->flush(rect(), windowHandle());
     vorla::PanelStack::shared().surface().wasPainted(*this);
     QTimer::singleShot(0, this, [this] {
         if (onFirstPaint) onFirstPaint();
