@@ -1,4 +1,4 @@
-// What annotating costs on the screen of $DISPLAY, beside a bare overlay of the same run:
+// What annotating costs on the screen of $DISPLAY, compared with a bare overlay of the same run:
 //   VORLA_TEST_SCREEN=3840x2160x24 tests/support/with-display build/release/bin/bench_editor
 
 #include <vorla/VLCapture.h>

@@ -40,7 +40,7 @@ double median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-/// Runs two pieces of work in turn, so that both meet the same disturbances. Gives the medians.
+/// Runs two pieces of work in turn, so that both meet the same disturbances. Returns the medians.
 std::pair<double, double> compare(int rounds, const std::function<void()>& ours,
                                   const std::function<void()>& raw) {
     std::vector<double> a;

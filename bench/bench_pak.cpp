@@ -1,4 +1,4 @@
-// The encoding beside two independent serializers, in one run: times and their ratios.
+// The encoding compared with two independent serializers, in one run: times and their ratios.
 
 #include <cstdio>
 #include <map>

@@ -94,7 +94,7 @@ double milliseconds(const std::function<void(const PakData&)>& read, const PakDa
 
 int main() {
     vorla::fuzz::throwOnFailedChecks();
-    // The compact reader tells on standard output what it cannot pass over; the table does not
+    // The compact reader prints on standard output what it cannot pass over; the table does not
     // belong among that.
     if (!std::freopen("/dev/null", "w", stdout)) return 1;
     std::fprintf(stderr, "%-26s", "100 KB, ms (x at 200 KB)");

@@ -237,7 +237,7 @@ inline Lists sampleLists() {
 }
 
 /// A call into which everything is inlined, whatever a serializer asks for itself, and which is not
-/// inlined into the loop that measures it: otherwise the ratios would tell of inlining alone.
+/// inlined into the loop that measures it: otherwise the ratios would measure inlining alone.
 template <typename Call, typename... Arguments>
 [[gnu::noinline, gnu::flatten]] auto outOfLine(Call call, Arguments&... arguments) {
     return call(arguments...);

@@ -1,6 +1,6 @@
 // What a session costs on the screen of $DISPLAY: from the start to all panels painted, per pointer
-// move, and in memory; each beside a yardstick measured in the same run. Run it at each size of
-// interest:
+// move, and in memory; each compared with a yardstick measured in the same run. Run it at each
+// size of interest:
 //   VORLA_TEST_SCREEN=3840x2160x24 tests/support/with-display build/release/bin/bench_session
 
 #include <sys/ipc.h>

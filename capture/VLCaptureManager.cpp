@@ -40,7 +40,7 @@ size_t numberOfScreens() {
 }  // namespace
 
 std::shared_ptr<VLCaptureManager>& VLCaptureManager::shared() {
-    // Not destroyed at exit: the toolkit that its panels need may have gone by then.
+    // Not destroyed at exit: the toolkit that its panels need may no longer exist by then.
     static vorla::NoDestructor<std::shared_ptr<VLCaptureManager>> instance;
     return *instance;
 }

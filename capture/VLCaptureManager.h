@@ -65,10 +65,10 @@ class VLCaptureManager : public VLCaptureWindowControllerDelegate,
     void playSound();
     /// Hands the picture to the pasteboard and to the delegate, encoded once, and cleans.
     void writeImageToPasteboard(const QImage& image);
-    /// Asks the user for a place, saves there, and tells the delegate. The dialog outlives the
+    /// Asks the user for a place, saves there, and informs the delegate. The dialog outlives the
     /// session; when it is cancelled nothing more happens.
     void saveImage(const QImage& image, bool isHighResolution);
-    /// Saves to the last place without asking, and tells the delegate.
+    /// Saves to the last place without asking, and informs the delegate.
     void defaultSaveImage(const QImage& image, bool isHighResolution);
 
     /// What `VLLastCaptureError` returns on the calling thread.
@@ -84,7 +84,7 @@ class VLCaptureManager : public VLCaptureWindowControllerDelegate,
 
     /// Why this cannot be started; logged.
     [[nodiscard]] VLCaptureError obstacle(bool hasRequest, vorla::MainLoop loop) const;
-    /// Tells who started the session how it ended; nobody the second time.
+    /// Reports the end to whoever started the session; does nothing the second time.
     void tellEnd(const VLCaptureOutcome& outcome);
     void captureFrame(const VLRect& frame, const vorla::Display& screen);
     /// Reads every screen of the session, before any panel of ours is shown.

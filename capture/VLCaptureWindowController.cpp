@@ -107,7 +107,7 @@ std::vector<std::shared_ptr<VLCaptureWindowInfo>>
 VLCaptureWindowController::windowInfoArrayOfScreenFrame(const VLRect& frame) {
     const auto server = WindowServer::shared();
     const auto windows = server ? server->windows(displayID_) : std::nullopt;
-    // Right after the list, so that both tell of the same moment.
+    // Right after the list, so that both show the same moment.
     if (frozen_.isNull()) frozen_ = vorla::FrozenScreen(VLCaptureUtilities::imageOfScreen(screen_));
     if (!windows) return {};
     VLLog("%s 取得屏幕内(%s)的窗口数为 %zu", __func__, screen_.name.c_str(), windows->size());

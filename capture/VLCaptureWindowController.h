@@ -59,7 +59,7 @@ class VLCaptureWindowController : public VLCaptureWindowDelegate,
     void setPaintedHandler(std::function<void()> handler);
 
     /// The windows that the selection may snap to, front to back, and last the Desktop record;
-    /// empty when the window server gave no list. `frame` is the screen's global frame. The first
+    /// empty when the window server had no list. `frame` is the screen's global frame. The first
     /// call also takes the screen's picture.
     std::vector<std::shared_ptr<VLCaptureWindowInfo>> windowInfoArrayOfScreenFrame(
         const VLRect& frame);

@@ -47,7 +47,7 @@ function(vorla_add_library name)
   endif()
 endfunction()
 
-# The directory of the modules, beside the libraries.
+# The directory of the modules, next to the libraries.
 set(VORLA_MODULES vorla-${PROJECT_VERSION_MAJOR})
 
 # vorla_add_module(name SOURCES ... DEPENDS ... [QT])

@@ -8,7 +8,7 @@
 
 #include "platform/base/raii.h"
 
-/// The crash in progress, and what the host has told about the session before it. Any thread;
+/// The crash in progress, and what the host has said about the session before it. Any thread;
 /// whatever is set here is at once in the place where a crash finds it.
 class CvrCrashData {
  public:

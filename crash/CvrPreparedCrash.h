@@ -12,11 +12,11 @@
 // CvrPreparedCrash and calls `CvrCrashHandler::prepare` before `installHandler`, and again whenever
 // one of its values has changed (user, device, strategy, resume, a key that was persisted, a user
 // record that was added). `prepare` copies, is cheap, and may be called on any thread at any time.
-// What the host tells (session events, user data, scenes) goes to CvrCrashData, the attached text
+// What the host adds (session events, user data, scenes) goes to CvrCrashData, the attached text
 // and the lists of modules to CvrCrashHandler; both publish it to the handler by themselves.
 //
-// Files are in the form told at ArchiveWriter. The handler writes each under a temporary name and
-// puts it in place by rename:
+// Files are in the form described at ArchiveWriter. The handler writes each under a temporary name
+// and puts it in place by rename:
 //
 //   keyValueFile    `keyValueFileBytes` with "last_crash_time" (integer, ms) and, when
 //                   `enableLastCloseRecord`, "last_crash_reported" (true) added

@@ -61,7 +61,7 @@ class VLEditView : public VLView {
     /// view at `scale` as its units, y downward from the view's upper left corner.
     void drawItems(QPainter& painter, const QRegion& region, double scale);
 
-    /// What a point touches: the topmost item, and the cursor that tells what a drag would do.
+    /// What a point touches: the topmost item, and the cursor that shows what a drag would do.
     struct Hit {
         Item item;
         uint64_t cursorType = 0;

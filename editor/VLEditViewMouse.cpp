@@ -240,7 +240,7 @@ bool VLEditView::handelHorizontalResizeWithMouseDown(VLPoint point) {
 }
 
 // An arrow whose tail was dragged last has its tail as the change point, any other its tip. The
-// step notes them so that its own resize type gives the arrow back.
+// step notes them so that its own resize type restores the arrow.
 
 bool VLEditView::handelBeginResizeWithMouseDown(VLPoint point) {
     const Item item = focusItem();

@@ -74,7 +74,7 @@ void readPacket(const uint8_t* bytes, size_t size) {
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    // The reader tells of what it cannot pass over, thousands of times in a second here.
+    // The reader prints what it cannot pass over, thousands of times in a second here.
     return std::freopen("/dev/null", "w", stdout) ? 0 : 1;
 }
 

@@ -15,9 +15,9 @@ enum ImageFileType : int {
     ImageFileTypeJpeg2000 = 5,
 };
 
-/// The picture as a file of that type; an unknown type gives PNG. TIFF (LZW), PNG and JPEG 2000 are
+/// The picture as a file of that type; an unknown type means PNG. TIFF (LZW), PNG and JPEG 2000 are
 /// lossless and keep alpha. GIF is exact up to 256 colours, else dithered, and keeps whether a
-/// pixel is more than half transparent. JPEG and BMP are laid on white. Every format but GIF tells
+/// pixel is more than half transparent. JPEG and BMP are laid on white. Every format but GIF stores
 /// the resolution, 72 dpi times the device pixel ratio; PNG and JPEG 2000 only where that is
 /// not 72.
 ///

@@ -17,7 +17,7 @@ class MemoryFile {
     [[nodiscard]] int64_t size() const { return bytes_.size(); }
     void seek(int64_t position) { position_ = std::max<int64_t>(0, position); }
 
-    /// Gives the number of bytes written, 0 on failure.
+    /// Returns the number of bytes written, 0 on failure.
     int64_t write(const void* data, int64_t count) noexcept {
         try {
             const int64_t end = position_ + count;

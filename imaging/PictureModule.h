@@ -5,7 +5,7 @@
 
 namespace vorla {
 
-/// What each of the modules "tiff", "gif" and "jpeg2000" gives: the picture as a file, or empty
+/// What each of the modules "tiff", "gif" and "jpeg2000" returns: the picture as a file, or empty
 /// bytes on failure. Throws std::bad_alloc.
 using EncodePicture = void(const QImage& image, QByteArray& bytes);
 

@@ -14,7 +14,7 @@ std::string imageFileNameForPath(const std::string& path, int defaultImageType,
                                  bool isHighResolution, const std::string& prefix,
                                  const QDateTime& moment);
 
-/// The file type that a path's extension tells, in any case of letters; PNG for an unknown one.
+/// The file type that a path's extension names, in any case of letters; PNG for an unknown one.
 /// Only the short form "tif" is known for TIFF.
 int getBitmapImageFileType(const std::string& path);
 

@@ -170,7 +170,7 @@ int writeBytes(GifFileType* gif, const GifByteType* data, int size) {
 
 }  // namespace
 
-/// Up to 256 colours (255 beside transparent pixels) are kept exactly; of more, the best are chosen
+/// Up to 256 colours (255 with transparent pixels) are kept exactly; of more, the best are chosen
 /// and the rest dithered (error diffusion after Floyd and Steinberg, 1976). Pixels with an alpha
 /// below 128 become transparent, others opaque. Sides above 65535 are refused.
 void vorlaEncodePicture(const QImage& image, QByteArray& bytes) {

@@ -55,7 +55,7 @@ VLRect lineRect(const QString& text, const QFont& font, double y) {
 VLCaptureMagnifierView::VLCaptureMagnifierView(const QImage& screenImage, const VLRect& screenFrame,
                                                QWidget* superview)
     : VLView({0.0, 0.0, MagnifierViewWidth, MagnifierViewHeight}, superview), font_(lineFont()) {
-    // The pointer is beside the view and may pass through it when it is fast: it is the surface's.
+    // The pointer is next to the view and may pass through it when it is fast: it is the surface's.
     setAttribute(Qt::WA_TransparentForMouseEvents);
     configAppearanceAndLayout();
     setScreenImage(screenImage);

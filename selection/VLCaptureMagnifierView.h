@@ -26,7 +26,7 @@ class VLCaptureMagnifierView : public VLView {
     void setScreenImage(const QImage& image);
     void setScreenFrame(const VLRect& frame) { screenFrame_ = frame; }
 
-    /// Shows what is around a point of the surface and places the view beside it. Outside of the
+    /// Shows what is around a point of the surface and places the view next to it. Outside of the
     /// screen the picture stands still and the view still moves.
     void setMouseLocation(VLPoint location);
 

@@ -24,7 +24,7 @@ class VLCaptureSizeInfoSubView : public VLView {
     QString sizeInfoStr_;
 };
 
-/// The label above the selection that tells its size in points. Main thread.
+/// The label above the selection that shows its size in points. Main thread.
 class VLCaptureSizeInfoView : public VLView {
  public:
     /// `screenFrame` is the surface's frame: the label stays inside.

@@ -59,7 +59,7 @@ class VLCaptureViewController : public VLCaptureViewDelegate,
 
     void configAppearanceAndLayout();
 
-    /// Puts the toolbar beside the selection; a shown one stays where it is.
+    /// Puts the toolbar next to the selection; a shown one stays where it is.
     void showToolbar();
     void hideToolbar();
     /// Where the toolbar belongs, local to the screen.

@@ -37,7 +37,7 @@ class VLCaptureViewSelectedItem {
 
     /// The rectangle as the pointer spanned it, not aligned to anything.
     [[nodiscard]] const VLRect& selectedRect() const { return selectedRect_; }
-    /// Stores the rectangle, tells the delegate and has what changed drawn again; nothing happens
+    /// Stores the rectangle, informs the delegate and has what changed drawn again; nothing happens
     /// when it is the stored one.
     void setSelectedRect(const VLRect& rect);
     void resizeToRect(const VLRect& rect) { setSelectedRect(rect); }

@@ -24,7 +24,7 @@ unsigned long codeOf(const std::error_code& error) {
     return static_cast<unsigned long>(error.value());
 }
 
-/// Copies beside the target first, so that a full disk leaves neither half a file nor a lost one.
+/// Copies next to the target first, so that a full disk leaves neither half a file nor a lost one.
 std::error_code copyThroughNeighbour(const std::string& from, const std::string& to) {
     std::string neighbour = to + ".XXXXXX";
     const vorla::UniqueFd reserved(::mkostemp(neighbour.data(), O_CLOEXEC));

@@ -17,7 +17,7 @@ class CBaseFile {
     static void EnsureCreateParentDir(const std::string& nsFilePath);
 
     /// Copies a file, replacing a file at the target and making its folder. The target is complete
-    /// or as it was before: the copy is made beside it and renamed.
+    /// or as it was before: the copy is made next to it and renamed.
     static bool CopyFile(const std::string& nsOldPath, const std::string& To);
 
     /// Removes a file, a link or an empty folder. True if there is nothing there.

@@ -4,9 +4,9 @@
 
 namespace vorla {
 
-/// The door through which the capture path tells what the user did. The statistics stand behind it
-/// once they are started; until then, and in a build without them, events are dropped. The receiver
-/// runs on the thread that fires, and may set another receiver. Any thread.
+/// The door through which the capture path reports what the user did. The statistics stand behind
+/// it once they are started; until then, and in a build without them, events are dropped. The
+/// receiver runs on the thread that fires, and may set another receiver. Any thread.
 void fireStatisticEvent(int number);
 
 /// Sets who hears the events; an empty function drops them again. A call that another thread has

@@ -5,8 +5,8 @@
 
 // Colours written as hexadecimal strings. "No colour" is an invalid QColor.
 
-/// A colour of three or six digits, with or without "#". An empty string gives no colour; a string
-/// of any other length gives opaque white, and digits that make no sense read as 0.
+/// A colour of three or six digits, with or without "#". An empty string means no colour; a string
+/// of any other length means opaque white, and digits that make no sense read as 0.
 QColor hx_colorWithHexString(QString hexString, double alpha);
 
 /// The same, and forms of four and eight digits whose first one or two are the alpha.

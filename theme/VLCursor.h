@@ -34,7 +34,7 @@ class VLCursor {
     /// Drops the instance, and with it all cursors made so far.
     static void clear();
 
-    /// A type outside of the table gives the arrow; a theme without the drawing an invisible
+    /// A type outside the table results in the arrow; a theme without the drawing an invisible
     /// cursor.
     const QCursor& cursorOfType(uint64_t type);
 

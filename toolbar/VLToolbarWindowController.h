@@ -26,7 +26,7 @@ class VLToolbarWindowController : public VLToolbarViewDelegate,
         delegate_ = std::move(delegate);
     }
 
-    /// The panel; null once its screen's panel has gone.
+    /// The panel; null once its screen's panel no longer exists.
     [[nodiscard]] VLOverlayPanel* window() const { return window_; }
     [[nodiscard]] VLToolbarView* toolbarView() const { return toolbarView_; }
     /// Made at the first reading.

@@ -11,7 +11,7 @@ struct PopoverArrow {
     VLPopoverArrowDirection direction = VLPopoverArrowDirectionUp;
 };
 
-/// The toolbar's origin beside a selection: 10 points below it and flush with its right edge, or,
+/// The toolbar's origin next to a selection: 10 points below it and flush with its right edge, or,
 /// where there is no room below, inside the selection 10 points above its bottom edge. Only the
 /// origin is kept inside `bounds`, the surface's.
 [[nodiscard]] VLPoint toolbarOrigin(const VLRect& selectedRect, VLSize toolbarSize,

@@ -32,7 +32,7 @@ class VLCaptureWindowInfo {
     [[nodiscard]] bool isTransparent();
 
     /// The window's own picture without its shadow, made at the first call; null for the Desktop
-    /// record, or when the window has gone.
+    /// record, or when the window no longer exists.
     QImage windowImage() { return windowImageIsKeyWindow(false); }
     /// The key window's picture is cut out of the frozen screen as it looks, overlaps included.
     QImage windowImageIsKeyWindow(bool isKeyWindow);
@@ -42,7 +42,7 @@ class VLCaptureWindowInfo {
 
  private:
     [[nodiscard]] bool isDesktop() const;
-    /// Takes the picture anew; what was there stays if the window has gone.
+    /// Takes the picture anew; what was there stays if the window no longer exists.
     void grabWindowImage();
 
     QImage windowImage_;

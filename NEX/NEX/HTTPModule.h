@@ -4,8 +4,8 @@
 
 namespace vorla {
 
-/// What the module "http" gives: the HTTP library, which brings thirty others with it and is needed
-/// once in a process's life at most.
+/// What the module "http" offers: the HTTP library, which brings thirty others with it and is
+/// needed once in a process's life at most.
 struct HTTPLibrary {
     decltype(&curl_global_init) global_init;
     decltype(&curl_easy_init) easy_init;

@@ -8,7 +8,7 @@
 /// framework's own information dictionary, not from the host's. Any thread.
 class VLNEXUtilities {
  public:
-    /// Tells this machine from others, always the same text here: made from the system's machine
+    /// Identifies this machine, always the same text here: made from the system's machine
     /// identifier so that nobody can get back to that, or, where there is none, a random one that
     /// is kept in the given folder. None when that cannot be kept either.
     static std::optional<std::string> UUID(const std::string& keptInFolder);

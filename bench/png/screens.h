@@ -6,7 +6,7 @@ namespace vorla {
 
 /// Made-up screens as people capture them, the same on every run. A QGuiApplication must exist.
 
-/// A browser with a large photograph (light, shapes, texture and sensor noise) beside a column of
+/// A browser with a large photograph (light, shapes, texture and sensor noise) next to a column of
 /// text.
 QImage photographicScreen(QSize size);
 

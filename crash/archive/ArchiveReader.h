@@ -8,7 +8,7 @@
 
 namespace vorla {
 
-/// Reads the form that is told at ArchiveWriter from bytes of any origin, item by item. May run
+/// Reads the form described at ArchiveWriter from bytes of any origin, item by item. May run
 /// after a fault: takes no memory and no lock, and does not call itself, however deep the input.
 /// Maps and lists may also come with their number of elements in front; their `End` is then made
 /// up.

@@ -16,7 +16,7 @@ struct KeptRecord {
 };
 
 /// Identifies the crash, keeps it on disk as far as the host's filters want it, calls the host's
-/// function and tells the listeners. A record that was `kept` before is replaced. A forked child
+/// function and notifies the listeners. A record that was `kept` before is replaced. A forked child
 /// leaves the parent's files alone. May run after a fault.
 void keepCrash(CrashFacts& facts, bool isForkedChild, KeptRecord& kept, Arena& arena);
 

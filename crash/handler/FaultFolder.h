@@ -26,7 +26,7 @@ class NewFile {
         static_cast<NewFile*>(context)->write(bytes, count);
     }
 
-    /// Gives the file its name. False when something could not be written, or, unless it may
+    /// Puts the file under its name. False when something could not be written, or, unless it may
     /// replace, when there is such a file already (`errno` is EEXIST then).
     enum class Existing : uint8_t { Replace, Keep };
     bool commit(const char* name, Existing existing);

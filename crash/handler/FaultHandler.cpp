@@ -124,7 +124,7 @@ class Attempt {
     ShortText<128> handlerEvent_;
 };
 
-/// What the second attempt tells of the first.
+/// What the second attempt reports about the first.
 CrashEvent firstEvent;
 const CollectedCrash* firstCrash = nullptr;
 

@@ -27,7 +27,7 @@ struct LoadedImage {
     uint64_t size = 0;
     /// What is added to the addresses of the image's own tables.
     uint64_t bias = 0;
-    /// The loader's name of this load; tells whether something else has taken the place.
+    /// The loader's name of this load; shows whether something else has taken its place.
     const void* loaderEntry = nullptr;
     std::string_view path;
     std::string_view shortName;

@@ -13,7 +13,7 @@
 
 namespace vorla::crash {
 
-/// What the host has told, as a crash finds it. CvrCrashData and CvrCrashHandler publish it.
+/// What the host has said, as a crash finds it. CvrCrashData and CvrCrashHandler publish it.
 struct SessionState {
     Published<CvrPreparedCrash> prepared;
     Published<std::vector<std::string>> events;

@@ -18,8 +18,8 @@ constexpr int64_t longestHold = 3000;
 
 enum State : uint32_t { idle, asked, noting, stopped };
 
-/// What the one who asks and the thread that is asked share. `request` tells a signal that comes
-/// late from the one that is waited for.
+/// What the one who asks and the thread that is asked share. `request` distinguishes a signal
+/// that comes late from the one that is waited for.
 struct Meeting {
     std::atomic<uint32_t> state{idle};
     std::atomic<int> request{0};

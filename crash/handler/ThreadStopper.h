@@ -8,7 +8,7 @@
 
 namespace vorla::crash {
 
-/// Holds one other thread of the process while its stack is read. It is told by a signal, whose
+/// Holds one other thread of the process while its stack is read. It is stopped by a signal, whose
 /// handler notes the thread's registers and waits. One at a time. May run after a fault.
 class ThreadStopper {
  public:

@@ -38,7 +38,7 @@ class CvrExpObj : public CvrArchivedObject<CvrExpObj> {
     std::vector<CvrAppInfo> appInfoList;
     std::string deviceId;
     std::string userId;
-    /// Tells this record from any other, also when it is sent again.
+    /// Distinguishes this record from any other, also when it is sent again.
     std::string expUid;
     std::vector<CvrExpAttachment> attachmentList;
     /// Facts about machine and process under the keys "A1" and so on, and the host's scene values.

@@ -15,7 +15,7 @@ std::optional<vorla::Bytes> desCbc(CCOperation direction, vorla::ByteView data,
     if (key.size() < keyLength) return std::nullopt;
     const auto* start = reinterpret_cast<const uint8_t*>(key.data());
     const vorla::ByteView single(start, keyLength);
-    // Triple DES with one key three times over gives the same bytes, and is in every OpenSSL.
+    // Triple DES with one key three times over produces the same bytes, and is in every OpenSSL.
     vorla::Bytes triple;
     for (int i = 0; i < 3; ++i) triple.insert(triple.end(), single.begin(), single.end());
     return vorla::runCipher("DES-EDE3-CBC", direction, triple, single, data);

@@ -13,8 +13,8 @@ class CvrEncrypt {
  public:
     virtual ~CvrEncrypt() = default;
 
-    /// None when the key is too short. Decryption gives none for data that no encryption with that
-    /// key has given.
+    /// None when the key is too short. Decryption returns none for data that no encryption with
+    /// that key has produced.
     virtual std::optional<std::vector<uint8_t>> encrypt(std::span<const uint8_t> data,
                                                         std::string_view key) = 0;
     virtual std::optional<std::vector<uint8_t>> decrypt(std::span<const uint8_t> data,

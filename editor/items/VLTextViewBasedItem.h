@@ -65,7 +65,7 @@ class VLTextViewBasedItem : public VLEditItem {
     bool mouseHitHorizontalResizeControlPoints(VLPoint, VLPoint*) const override { return false; }
 
  protected:
-    /// Gives the item the size of an empty text; once, from the subclass's constructor.
+    /// Sets the item to the size of an empty text; once, from the subclass's constructor.
     void setupTextView();
     /// Fits the text's frame to the text.
     virtual void updateTextView();

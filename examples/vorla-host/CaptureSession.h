@@ -23,7 +23,7 @@ struct Outcome {
 };
 
 /// The captures of this program: starts them, prints what it hears, writes the picture out where
-/// the command line asks for it, and tells the program the outcome of each.
+/// the command line asks for it, and reports the outcome of each to the program.
 class CaptureSession : public VLCaptureRequestDelegate {
  public:
     /// `ended` is called once for each capture that was started or refused.

@@ -138,7 +138,7 @@ QWidget* PreferencesDialog::makePrivacyBox() {
     crashes_ = new QCheckBox(text("&Keep reports of crashes, and send them"), box);
     layout->addWidget(statistics_);
     layout->addWidget(crashes_);
-    // Off, the address is hidden from the component, and whether there is one cannot be told.
+    // Off, the address is hidden from the component, and whether there is one cannot be seen.
     const bool knows = settings_.sendsStatistics() && settings_.reportsCrashes();
     const bool sends =
         !VLInfoValue(VLInfoKeyStatisticsURL).empty() || !VLInfoValue(VLInfoKeyCrashSyncURL).empty();
@@ -181,7 +181,7 @@ void PreferencesDialog::chooseFolder() {
     if (!chosen.isEmpty()) folder_->setText(chosen);
 }
 
-/// A folder that is set already is left alone, also when it has gone meanwhile.
+/// A folder that is set already is left alone, also when it no longer exists.
 void PreferencesDialog::checkFolder() {
     const QFileInfo folder(fullPath(folder_->text()));
     const bool unchanged = folder_->text().toStdString() == componentSetting().lastSavePath();

@@ -101,7 +101,7 @@ void SingleInstance::accept() {
         char wish[64];
         const ssize_t got = ::recv(peer, wish, sizeof wish, 0);
         if (got < 0 && errno == EAGAIN) return;
-        // Who has given up waiting has told the user so.
+        // Whoever has given up waiting has informed the user.
         const bool awaited = got > 0 && ::send(peer, taken, std::strlen(taken), MSG_NOSIGNAL) > 0;
         notifier->setEnabled(false);
         notifier->deleteLater();

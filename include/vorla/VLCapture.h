@@ -44,7 +44,7 @@ VL_EXPORT bool VLStartCapture(const std::shared_ptr<VLCaptureRequest>& request);
 /// hears how the session ended: once for each session that was started, on the main thread, after
 /// the delegate's call and with the panels gone. Unlike the delegate it also hears the host's own
 /// `VLCancelCapture` (before that returns) and that the user closed the save dialog. Only a session
-/// that the end of the program overtakes is told to nobody. May be empty.
+/// that the end of the program overtakes is not reported. May be empty.
 VL_EXPORT VLCaptureError VLStartCapture(const std::shared_ptr<VLCaptureRequest>& request,
                                         VLCaptureEndHandler ended);
 
@@ -63,8 +63,8 @@ VL_EXPORT VLCaptureOutcome VLRunCapture(const std::shared_ptr<VLCaptureRequest>&
 /// became of the picture at hand. `VLCaptureErrorNone` when all went well.
 VL_EXPORT VLCaptureError VLLastCaptureError();
 
-/// Whether a capture runs: true from `VLStartCapture` until just before the outcome is told. Any
-/// thread.
+/// Whether a capture runs: true from `VLStartCapture` until just before the outcome is reported.
+/// Any thread.
 VL_EXPORT bool VLIsCapturing();
 
 /// Ends a running capture at once. The delegate hears nothing, since the host itself asked. Does

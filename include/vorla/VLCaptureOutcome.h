@@ -34,7 +34,7 @@ enum VLCaptureError : int {
 };
 
 /// What a code means, in one English sentence without a full stop. Never null; a number without a
-/// meaning gives a text that says so. Lives as long as the process. Any thread.
+/// meaning yields a text that says so. Lives as long as the process. Any thread.
 VL_EXPORT const char* VLCaptureErrorText(VLCaptureError error);
 
 /// How a session ended.

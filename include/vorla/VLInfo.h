@@ -25,7 +25,7 @@ VL_EXPORT void VLSetInfoValue(std::string_view key, std::string value);
 VL_EXPORT std::string VLInfoValue(std::string_view key);
 
 /// Names the folder of the framework's resources (themes in its "ThemeResources", string tables,
-/// the sound, `Info.json`) for hosts that keep it elsewhere than beside the library, whatever the
+/// the sound, `Info.json`) for hosts that keep it elsewhere than next to the library, whatever the
 /// environment variable VORLA_RESOURCES says. An absolute path, UTF-8. Call it before anything else
 /// of the framework: what has been read already stays, and values that were laid over the
 /// dictionary do too. False, with nothing changed and a line in the log, where there is no such

@@ -81,7 +81,7 @@ enum {
 };
 
 /** What an error number means, in English without a full stop. Never null; a number without a
-    meaning gives a text that says so. Lives as long as the process. Any thread. */
+    meaning yields a text that says so. Lives as long as the process. Any thread. */
 VL_EXPORT const char* vorla_error_text(int error);
 
 /** The library's version, for instance "1.0.0". Never null. Any thread. */
@@ -90,9 +90,9 @@ VL_EXPORT const char* vorla_version(void);
 /* Resources and information values ------------------------------------------------------------- */
 
 /** Names the folder of the resources (themes in its "ThemeResources", string tables, the sound,
-    "Info.json"), for hosts that keep it elsewhere than beside the library; the environment variable
-    VORLA_RESOURCES does the same. Absolute. Before anything else of the framework: what was read
-    already stays. VORLA_ERROR_NO_FOLDER where there is none. Any thread. */
+    "Info.json"), for hosts that keep it elsewhere than next to the library; the environment
+    variable VORLA_RESOURCES does the same. Absolute. Before anything else of the framework: what
+    was read already stays. VORLA_ERROR_NO_FOLDER where there is none. Any thread. */
 VL_EXPORT int vorla_set_resource_folder(const char* path);
 
 /** Copies the resource folder's path to `buffer`; see `vorla_get_info` for the buffer. Any
@@ -115,7 +115,7 @@ VL_EXPORT int vorla_get_info(const char* key, char* buffer, size_t capacity, siz
 
 /* Settings ------------------------------------------------------------------------------------- */
 
-/** The user's choices, and the defaults that a product gives them. Numbers unless marked. The
+/** The user's choices, and the defaults that a product sets for them. Numbers unless marked. The
     numbers of the settings stay. */
 enum {
     VORLA_SETTING_PLAY_SOUND = 0,      /**< 0 or 1; built in: 1 */
@@ -196,7 +196,7 @@ VL_EXPORT int vorla_count_event(int event);
 enum {
     VORLA_CRASH_NO_SIGNALS = 1,    /**< does not catch fatal signals */
     VORLA_CRASH_NO_EXCEPTIONS = 2, /**< does not note uncaught C++ exceptions */
-    VORLA_CRASH_NO_NAMES = 4,      /**< gives no names to the program's own functions */
+    VORLA_CRASH_NO_NAMES = 4,      /**< looks up no names of the program's own functions */
     VORLA_CRASH_NO_MERGING = 8     /**< keeps each crash that repeats an earlier one */
 };
 
@@ -315,7 +315,7 @@ VL_EXPORT int vorla_start_capture(const vorla_capture_options* options, vorla_en
     object any thread may be the first to call it, and is the capturing thread from then on. */
 VL_EXPORT int vorla_run_capture(const vorla_capture_options* options, vorla_outcome** outcome);
 
-/** Whether a capture runs: 1 from its start until just before the outcome is told, else 0. Any
+/** Whether a capture runs: 1 from its start until just before the outcome is reported, else 0. Any
     thread. */
 VL_EXPORT int vorla_is_capturing(void);
 

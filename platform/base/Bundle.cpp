@@ -22,7 +22,7 @@ namespace {
 using nlohmann::json;
 
 /// The directory that the library, or the program that it is linked into, was loaded from; empty
-/// where that cannot be told.
+/// where that cannot be found out.
 std::filesystem::path ownFolder() {
     Dl_info facts = {};
     std::error_code error;

@@ -32,7 +32,7 @@ class Bundle {
     /// directory that the library was installed in, or empty when there is none.
     [[nodiscard]] static std::string pathForHelper(const std::string& name);
 
-    /// The path of one of the framework's modules, `vorla-1/<name>.so` beside the library (by its
+    /// The path of one of the framework's modules, `vorla-1/<name>.so` next to the library (by its
     /// first version number), or empty when there is none.
     [[nodiscard]] static std::string pathForModule(const std::string& name);
 

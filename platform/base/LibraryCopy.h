@@ -21,7 +21,7 @@ bool isServingServices();
 
 }  // namespace vorla
 
-// The loader gives all copies in a process, of whatever version and however they were loaded, one
-// and the same object of these names.
+// All copies in a process, of whatever version and however they were loaded, get one and the same
+// object of these names from the loader.
 inline VL_EXPORT std::atomic<const vorla::LibraryCopy*> VLServicesInProcess = nullptr;
 inline VL_EXPORT std::atomic<const vorla::LibraryCopy*> VLCaptureInProcess = nullptr;

@@ -69,7 +69,7 @@ class Keeper {
             XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                 XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
                 XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
-        // From here on every change is an event. The owner may have gone before.
+        // From here on every change is an event. The owner may have disappeared before.
         const xcb_window_t present = ownerOf(clipboard_);
         if (present != XCB_NONE && present != owner) return;
         if ((present == XCB_NONE || now) && !takeOver(now)) return;

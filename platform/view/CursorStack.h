@@ -23,7 +23,7 @@ class CursorStack {
     [[nodiscard]] const QCursor* current() const;
     void clear();
 
-    /// Gives a panel that has just come up the present cursor.
+    /// Sets the current cursor on a panel that has just come up.
     void applyTo(VLPanel& panel) const;
 
  private:

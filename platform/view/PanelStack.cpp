@@ -24,7 +24,7 @@ constexpr int focusSettleMilliseconds = 30;
 constexpr int patience = 8;
 constexpr int patienceMilliseconds = 2000;
 
-/// Tells when the last of the host's own windows is minimised: that is how a program is hidden
+/// Reports when the last of the host's own windows is minimised: that is how a program is hidden
 /// here.
 class HostWindowWatch : public QObject {
  public:

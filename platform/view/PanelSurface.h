@@ -23,7 +23,7 @@ class PanelSurface {
     /// Begins a session: notes who has the keyboard, and calls back on the main thread whenever
     /// something foreign may have landed on top of a panel.
     virtual void begin(std::function<void()> landedOnTop) = 0;
-    /// Gives a shown panel its exact place: a rectangle in native pixels.
+    /// Puts a shown panel at its exact place: a rectangle in native pixels.
     virtual void coverScreen(VLPanel& panel, const QRect& nativeFrame) = 0;
     virtual void becomeKey(VLPanel& panel) = 0;
     /// A panel just shown has been painted without waiting for its exposure: what was said of that
@@ -42,7 +42,7 @@ class PanelSurface {
         Kept,     ///< no other window has it, for all that the toolkit thinks
         Stolen,   ///< another program took it
         Given,    ///< the user gave it away: by a key of the window manager's, or by a press
-        Unknown,  ///< the platform does not tell
+        Unknown,  ///< the platform does not say
     };
     /// What has become of the keyboard that the toolkit no longer sees with a panel.
     virtual Keyboard keyboard(const std::vector<VLPanel*>& panels) = 0;

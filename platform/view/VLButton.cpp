@@ -99,7 +99,7 @@ void VLButton::mouseDown(const VLMouseEvent& /*event*/) {
     setIsPressed(true);
 }
 
-/// The toolkit tells nobody of entering and leaving while a button is held.
+/// The toolkit does not report entering and leaving while a button is held.
 void VLButton::mouseDragged(const VLMouseEvent& event) {
     const bool inside = bounds().containsPoint(convertPointFromWindow(event.locationInWindow));
     if (inside && !hover_) mouseEntered(event);

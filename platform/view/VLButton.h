@@ -27,7 +27,7 @@ class VLButton : public VLView {
     void setIsDisabled(bool value);
     void setEnabled(bool enabled);
 
-    /// What screen readers say; shown as tool-tip too unless `setToolTip` gives another text.
+    /// What screen readers say; shown as tool-tip too unless `setToolTip` sets another text.
     void setTitle(const QString& title);
 
     /// As if the button had been pressed and released.

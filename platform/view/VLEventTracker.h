@@ -46,6 +46,6 @@ class VLEventTracker {
     [[nodiscard]] static bool isTracking();
 
     /// Runs `task` at once when no drag is being tracked, else as soon as the drag is over, unless
-    /// `context` has gone by then.
+    /// `context` no longer exists by then.
     static void whenIdle(QObject* context, std::function<void()> task);
 };

@@ -95,7 +95,7 @@ class VLPanel : public QWidget {
     /// Presses that no view of the panel took.
     virtual void mouseDown(const VLMouseEvent& event);
     virtual void rightMouseDown(const VLMouseEvent& event);
-    /// The application is told to end, or the window to go. The default closes the panel.
+    /// The application is asked to end, or the window to close. The default closes the panel.
     virtual void closeRequested();
 
     bool event(QEvent* event) override;

@@ -34,7 +34,7 @@ constexpr qint64 switchMilliseconds = 400;
 
 }  // namespace
 
-/// Listens on the toolkit's connection to what it does not tell.
+/// Listens on the toolkit's connection to what it does not report.
 class X11PanelSurface::Watch : public QAbstractNativeEventFilter {
  public:
     Watch(xcb_connection_t* connection, const std::map<xcb_window_t, uint32_t>& answered,
@@ -263,7 +263,7 @@ PanelSurface::Keyboard X11PanelSurface::keyboard(const std::vector<VLPanel*>& pa
         return std::ranges::any_of(panels,
                                    [window](const VLPanel* p) { return windowOf(*p) == window; });
     };
-    // While a key is grabbed, the toolkit thinks that the focus has gone.
+    // While a key is grabbed, the toolkit thinks that the focus is lost.
     if (isPanel(focus->focus)) return Keyboard::Kept;
     if (watch_ && watch_->focusWentByKey()) return Keyboard::Given;
     constexpr uint16_t buttons = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;

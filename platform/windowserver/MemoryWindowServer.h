@@ -10,7 +10,7 @@
 
 namespace vorla {
 
-/// A window server without a desktop: what it tells and gives is scripted. For logic that must not
+/// A window server without a desktop: what it returns is scripted. For logic that must not
 /// need a display, and for cases that a real server does not show on demand. Main thread.
 class MemoryWindowServer : public WindowServer {
  public:
@@ -27,7 +27,7 @@ class MemoryWindowServer : public WindowServer {
 
     /// Lays displays out: identifiers 1, 2, ... and points as for a real server. Does not fire.
     void setDisplays(const std::vector<std::pair<PixelRect, double>>& nativeFramesAndScales);
-    /// Front to back; nothing stands for a server that gives no list.
+    /// Front to back; nothing stands for a server that publishes no list.
     void setWindows(std::optional<std::vector<Window>> windows) { windows_ = std::move(windows); }
     void setActiveApplicationName(std::string name) { activeName_ = std::move(name); }
     /// The native desktop's pixels, from the upper left of the first display's native frame; where

@@ -58,14 +58,13 @@ enum class WindowPicture {
     Content,          ///< the client area alone, without the window manager's decorations
 };
 
-/// What the desktop's window server tells and gives: displays, windows, pictures, and who is
-/// active.
+/// What the desktop's window server offers: displays, windows, pictures, and who is active.
 ///
 /// Calls are made on the main thread. All pictures are in device pixels, with the device pixel
 /// ratio set to the display's scale, of format RGB32 (opaque) or ARGB32_Premultiplied; the highest
 /// byte of an RGB32 picture of a display is whatever the server left there, so it must not be taken
 /// for alpha (as copying the bytes into a format with alpha would). A call that the server refuses,
-/// or whose window or display has gone, gives the empty value; nothing throws.
+/// or whose window or display no longer exists, returns the empty value; nothing throws.
 class WindowServer {
  public:
     virtual ~WindowServer() = default;
@@ -80,8 +79,8 @@ class WindowServer {
     static std::shared_ptr<WindowServer> shared();
     static void setShared(std::shared_ptr<WindowServer> server);
 
-    /// False once the connection to the display server has broken: every other call then gives the
-    /// empty value for good.
+    /// False once the connection to the display server has broken: every other call returns the
+    /// empty value from then on.
     virtual bool isConnected() { return true; }
 
     /// Why no pictures can be had of this server's screens; the details go to the log.
@@ -92,7 +91,7 @@ class WindowServer {
 
     /// The on-screen windows, front to back, with bounds in the named display's global point space;
     /// windows that lie on other displays are listed too. Minimised windows, those of other
-    /// workspaces and those wholly off every display are left out. Nothing when the server gave no
+    /// workspaces and those wholly off every display are left out. Nothing when the server had no
     /// list.
     virtual std::optional<std::vector<ServerWindow>> windows(uint32_t displayID) = 0;
 
@@ -105,12 +104,12 @@ class WindowServer {
     /// server cannot give the covered part, because the owner does not answer, that part shows what
     /// `fallback` shows there: a picture of the whole display taken by `imageOfDisplay` before
     /// anything of ours covered it (null for none). May wait for the owner, a sixth of a second at
-    /// the most. A null image for a window that has gone.
+    /// the most. A null image for a window that no longer exists.
     virtual QImage imageOfWindow(uint32_t displayID, uint32_t number, WindowPicture picture,
                                  const QImage& fallback) = 0;
 
     /// Alpha, 0 to 1, of the pixel in the middle of the window's own picture; 1 for windows without
-    /// an alpha channel and for those that have gone. Cheap: no more than one pixel is read.
+    /// an alpha channel and for those that no longer exist. Cheap: no more than one pixel is read.
     virtual double alphaAtCentre(uint32_t number) = 0;
 
     /// Asks the server to keep the contents of the session's windows, so that they can be had while

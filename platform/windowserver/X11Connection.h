@@ -55,7 +55,7 @@ struct X11Extensions {
 /// A connection of our own to the display server that $DISPLAY names, apart from the toolkit's: it
 /// works before there is an application object, and its events are only ours.
 ///
-/// When it breaks, every request gives nothing from then on; that is logged once. Main thread,
+/// When it breaks, every request returns nothing from then on; that is logged once. Main thread,
 /// but for `get`, which is good for sending requests from any thread.
 class X11Connection {
  public:

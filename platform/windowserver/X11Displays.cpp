@@ -119,7 +119,7 @@ uint32_t X11Displays::idOf(const std::string& name) {
         return std::any_of(ids_.begin(), ids_.end(),
                            [value](const auto& entry) { return entry.second == value; });
     };
-    // All ones mean "no window" beside window numbers; keep that out of identifiers as well.
+    // All ones mean "no window" among window numbers; keep that out of identifiers as well.
     while (id == 0 || id == ~0U || taken(id)) ++id;
     ids_[name] = id;
     return id;

@@ -77,7 +77,7 @@ void X11Events::attach() {
                      });
     QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, context, changed);
     QObject::connect(qGuiApp, &QGuiApplication::primaryScreenChanged, context, changed);
-    // What came in before there was a loop to tell of it.
+    // What came in before there was a loop to report it.
     timer->start();
     loop_->spaceTimer.start();
 }

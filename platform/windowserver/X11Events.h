@@ -29,7 +29,7 @@ class X11Events {
     /// Joins the application's event loop as soon as there is one; may be called at any time.
     void attach();
 
-    /// Looks through events that came along with answers to requests: the socket does not tell of
+    /// Looks through events that came along with answers to requests: the socket does not report
     /// those any more.
     void drain();
 

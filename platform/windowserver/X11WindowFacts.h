@@ -31,7 +31,7 @@ std::string textOf(const xcb_get_property_reply_t* property);
 /// The second of the two texts of a WM_CLASS property; the first when the second is empty.
 std::string classNameOf(const xcb_get_property_reply_t* property);
 
-/// The program's name as the system has it, for windows that do not tell theirs; empty when the
+/// The program's name as the system has it, for windows that do not state theirs; empty when the
 /// process is not there.
 std::string processName(int32_t pid);
 

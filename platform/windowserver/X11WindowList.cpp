@@ -234,7 +234,7 @@ void X11WindowList::readDetails(std::vector<Candidate>& candidates) {
         const int32_t claimed =
             isLocal && !claimedPid.empty() ? static_cast<int32_t>(claimedPid[0]) : -1;
         // Where processes are numbered differently for the server (in a container), what a window
-        // of ours says of itself still tells that it is ours.
+        // of ours says about itself still shows that it is ours.
         if (window.pid < 0 || claimed == getpid()) window.pid = claimed;
         window.ownerName =
             window.pid == getpid() ? HostIdentity::displayName() : classNameOf(windowClass.get());
@@ -335,7 +335,7 @@ std::string X11WindowList::activeOwnerName() {
         if (!name.empty()) return name;
     }
     if (!focus || focus->focus <= XCB_INPUT_FOCUS_POINTER_ROOT) return {};
-    // The keyboard may be with a window inside the one that tells its class.
+    // The keyboard may be with a window inside the one that states its class.
     xcb_window_t window = focus->focus;
     while (window != XCB_NONE && window != connection_->root()) {
         const auto classCookie = connection_->askProperty(window, XCB_ATOM_WM_CLASS);

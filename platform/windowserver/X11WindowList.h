@@ -74,7 +74,7 @@ class X11WindowList {
     /// does not answer.
     std::optional<std::vector<X11Window>> read(const std::vector<Display>& displays);
 
-    /// One window by its number; nothing when it has gone or is not on the screen.
+    /// One window by its number; nothing when it no longer exists or is not on the screen.
     std::optional<X11Window> readOne(xcb_window_t number);
 
     /// Owner of a client window as `ServerWindow::ownerName` has it; empty when unknown.
@@ -83,12 +83,12 @@ class X11WindowList {
     /// Owner of the window that the window manager calls active, else of the one with the keyboard.
     std::string activeOwnerName();
 
-    /// The child of the root that holds a window; none when the window has gone.
+    /// The child of the root that holds a window; none when the window no longer exists.
     xcb_window_t topLevelOf(xcb_window_t window);
 
  private:
     struct Candidate;
-    /// The window manager's list of its clients; nothing when it gives none.
+    /// The window manager's list of its clients; nothing when it publishes none.
     using ManagedWindows = std::optional<std::unordered_set<xcb_window_t>>;
     std::vector<Candidate> readTopLevels(const std::vector<xcb_window_t>& tops);
     void findClients(std::vector<Candidate>& candidates, const ManagedWindows& managed);

@@ -167,8 +167,8 @@ QRegion X11WindowPictures::fetch(xcb_xfixes_region_t region) {
     return result;
 }
 
-/// Waits until the pixels of `wanted` (the window's own coordinates) have come. Gives those that
-/// have.
+/// Waits until the pixels of `wanted` (the window's own coordinates) have come. Returns those
+/// that have.
 QRegion X11WindowPictures::waitFor(Kept& kept, const X11Window& window, const QRect& wanted) {
     if (!kept.isRead) {
         kept.seenRegion = fetch(kept.seen);

@@ -34,7 +34,7 @@ std::vector<Coverage> coverageOf(const std::vector<X11Window>& windows,
 ///
 /// The server keeps a window's content only when it is redirected: by a compositor, which makes all
 /// this easy, for windows with an alpha channel, or at our wish. At that moment it has the part
-/// that is seen, and asks the owner to draw the rest; the damage that arrives tells how far the
+/// that is seen, and asks the owner to draw the rest; the damage that arrives shows how far the
 /// owner has come. A redirected window costs the server memory and a copy, so only what needs it is
 /// redirected: windows that nothing covers are had from the picture of the display. Main thread.
 class X11WindowPictures {
@@ -63,7 +63,7 @@ class X11WindowPictures {
     QImage picture(const std::optional<X11Window>& listed, const X11Window& now,
                    WindowPicture picture, const Fallback& fallback);
 
-    /// Of a pixel at native coordinates of the root; 1 when the server does not tell.
+    /// Of a pixel at native coordinates of the root; 1 when the server does not say.
     double alphaAt(const X11Window& window, int x, int y);
 
     static constexpr int64_t keptPixels = 4'000'000;

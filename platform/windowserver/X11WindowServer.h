@@ -53,7 +53,7 @@ class X11WindowServer : public WindowServer {
     X11WindowList windowList_;
     X11WindowPictures pictures_;
     X11Events events_;
-    std::vector<Display> told_;        ///< the displays as `onDisplaysChanged` last told of them
+    std::vector<Display> told_;        ///< the displays as `onDisplaysChanged` last reported them
     int checks_ = 0;                   ///< how often the toolkit was waited for
     std::vector<X11Window> lastList_;  ///< front to back, as read last in this session
 };

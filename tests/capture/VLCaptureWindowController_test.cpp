@@ -31,7 +31,7 @@ TEST_F(WindowController, ListsWhatCanBeSnappedTo) {
         serverWindow(5, {0, 0, 1280, 800}),  // fills the screen
         serverWindow(6, {0, 0, 1280, 799}),
         serverWindow(7, {-100, 0, 1500, 900}),  // sticks out on all sides
-        serverWindow(8, {1280, 0, 50, 50}),     // beside the screen
+        serverWindow(8, {1280, 0, 50, 50}),     // next to the screen
         serverWindow(9, {1279, 799, 50, 50}),
         serverWindow(10, {20, 20, 0, 50}),
     });

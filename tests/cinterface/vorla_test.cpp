@@ -24,7 +24,7 @@ int inThread(const std::function<int()>& call) {
 
 class CInterface : public Session {
  protected:
-    ~CInterface() override { vorla_cancel_capture(); }  // is told to the list below
+    ~CInterface() override { vorla_cancel_capture(); }  // is reported to the list below
     struct Heard {
         int kind;
         int error;

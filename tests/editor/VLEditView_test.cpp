@@ -97,7 +97,7 @@ TEST_P(Canvas, TextOpensAtThePressClosesOnBareCanvasAndIsUndone) {
     EXPECT_EQ(text->contentString().size(), 3);
 }
 
-/// One step of each kind; all taken back and done again gives the same pictures byte for byte.
+/// One step of each kind; all taken back and done again produces the same pictures byte for byte.
 TEST_P(Canvas, EveryStepIsUndoneAndRedone) {
     std::vector<QImage> after{delivered()};
     const auto step = [&](const std::function<void()>& action) {

@@ -6,7 +6,7 @@
 namespace vorla::test {
 
 /// A decoded file: straight ARGB32 pixels (null if the reader refused the file) and the resolution
-/// in dots per inch, 0 if the file tells none.
+/// in dots per inch, 0 if the file states none.
 struct Decoded {
     QImage image;
     double dotsPerInch = 0;

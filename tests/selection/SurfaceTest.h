@@ -14,7 +14,7 @@
 #include "tests/support/TestResources.h"
 #include "windows/VLCaptureWindowInfo.h"
 
-/// Gives the windows to snap to and takes the finished picture.
+/// Provides the windows to snap to and takes the finished picture.
 class Snapping : public VLCaptureViewControllerDelegate {
  public:
     std::vector<std::shared_ptr<VLCaptureWindowInfo>> windows;

@@ -87,7 +87,7 @@ TEST_P(ViewController, IsNotMadeWithoutAPicture) {
     EXPECT_EQ(log_.count("屏幕截图不能为空"), 1);
 }
 
-/// The magnifier tells the pixel under the pointer, whether a button is down or not.
+/// The magnifier shows the pixel under the pointer, whether a button is down or not.
 TEST_P(ViewController, MagnifierTellsThePixelUnderThePointer) {
     for (const QPoint at : {QPoint(300, 200), QPoint(1, 399), QPoint(639, 1), QPoint(320, 0)}) {
         const QString place = QStringLiteral("坐标：(%1,%2)").arg(at.x()).arg(399 - at.y());

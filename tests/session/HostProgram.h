@@ -33,7 +33,7 @@ class HostProgram {
     /// The names of all events that come until the host answers; separated by blanks.
     std::string heardUntilNow();
 
-    /// Waits for the delivery and gives the picture; null when nothing is delivered.
+    /// Waits for the delivery and returns the picture; null when nothing is delivered.
     QImage delivered(int milliseconds = 10000);
     /// A file in the folder that the host keeps its things in.
     [[nodiscard]] std::string path(const std::string& name) const { return folder_ / name; }

@@ -45,7 +45,7 @@ class SessionTest : public testing::Test {
     void openWallpaper();
     void closeClients();
 
-    /// Waits until the picture of the screen no longer changes, and gives it.
+    /// Waits until the picture of the screen no longer changes, and returns it.
     QImage stillScreen();
     /// Whether a part of the screen comes to look as it does in a picture of the whole.
     testing::AssertionResult comesToShow(const QImage& picture, const QRect& part);

@@ -18,7 +18,7 @@
 
 namespace vorla::test {
 
-/// A program that runs beside the test, whose standard output is read line by line and, where that
+/// A program that runs next to the test, whose standard output is read line by line and, where that
 /// is asked for, whose standard input is written. It is killed with the object.
 class PipedProgram {
  public:

@@ -18,7 +18,7 @@ class StatServer {
 
     [[nodiscard]] const std::string& url() const { return url_; }
 
-    /// The next request that it tells of; an empty object when none came in time.
+    /// The next request that it reports; an empty object when none came in time.
     nlohmann::json nextRequest(int milliseconds = 10000) { return nextLine(milliseconds); }
 
  private:

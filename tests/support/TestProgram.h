@@ -23,7 +23,7 @@ class TestProgram : public PipedProgram {
     explicit TestProgram(const std::vector<std::string>& arguments, const std::string& path = {},
                          const std::string& errorFile = {});
 
-    /// Waits for a line that begins with `prefix`, and gives the rest of it; lines before it are
+    /// Waits for a line that begins with `prefix`, and stores the rest of it; lines before it are
     /// dropped. False when none came in time.
     bool waitForLine(std::string_view prefix, std::string* rest = nullptr, int milliseconds = 5000);
     /// Writes a line to its standard input; false when it does not take it.

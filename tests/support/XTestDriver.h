@@ -70,7 +70,7 @@ class XTestDriver {
     /// The window's state as the server has it: mapped and viewable.
     bool isViewable(xcb_window_t window);
 
-    /// Place of a window's content on the root; an empty rectangle when it has gone.
+    /// Place of a window's content on the root; an empty rectangle when it no longer exists.
     QRect contentRect(xcb_window_t window);
     /// 32-bit words of a property; empty when absent.
     std::vector<uint32_t> propertyWords(xcb_window_t window, std::string_view name);

@@ -7,7 +7,7 @@
 #include "toolbar/popover/VLPickerButton.h"
 
 /// The part of a picker that opens its menu: a colour swatch (type 4), a box with a font size
-/// (type 8), or the arrow beside them (type 0). It acts at a release inside.
+/// (type 8), or the arrow next to them (type 0). It acts at a release inside.
 class VLPopoverButton : public VLPickerButton {
  public:
     VLPopoverButton(const VLRect& frame, uint64_t type, QWidget* superview)

@@ -36,7 +36,7 @@ void VLPopoverFontButton::drawRect(QPainter& painter, const VLRect& /*dirtyRect*
     vorla::drawImage(painter, arrowImage_, {57.0, 6.0, arrow.width(), arrow.height()});
     if (text_.isEmpty()) return;
     const QFont font = popoverFont(12.0);
-    // Latin words end beside the arrow, the shorter Chinese ones stand in the middle.
+    // Latin words end next to the arrow, the shorter Chinese ones stand in the middle.
     const bool english = vorla::Bundle::framework().localizedString("Language") == "English";
     const double x = english ? bounds().width - 25.0 - vorla::textSize(text_, font).width : 28.0;
     vorla::drawText(painter, text_, font, Qt::black, {x, 3.0});

@@ -13,7 +13,7 @@ class VLPopoverLineWidthViewDelegate {
     virtual void widthDidChange(uint64_t /*width*/) {}
 };
 
-/// The picker of line widths: three buttons, whose values and pictures the theme gives.
+/// The picker of line widths: three buttons, whose values and pictures come from the theme.
 class VLPopoverLineWidthView : public VLView {
  public:
     explicit VLPopoverLineWidthView(QWidget* superview = nullptr);

@@ -25,8 +25,8 @@ constexpr const char* pakScope() {
 
 /// A class as a value: what the streams and the object layer must know of a kind of value to make
 /// and recognise it. There is one for each kind of plain value and one for each structure, which
-/// the PAK_OBJECT and PAK_OBJECT_V2 lines declare; all live as long as the process and are told
-/// apart by their address. Any thread.
+/// the PAK_OBJECT and PAK_OBJECT_V2 lines declare; all live as long as the process and differ by
+/// their address. Any thread.
 class PakClass {
  public:
     using Create = PakObjectPtr (*)();

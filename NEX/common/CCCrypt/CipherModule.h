@@ -4,7 +4,7 @@
 
 namespace vorla {
 
-/// What the module "ciphers" gives: `runCipher`, which see. False where that gives nothing.
+/// What the module "ciphers" offers: see `runCipher`. False where that returns nothing.
 using RunCipher = bool(const char* cipher, CCOperation direction, ByteView key, ByteView iv,
                        ByteView input, Bytes& output);
 

@@ -83,7 +83,7 @@ inline Buoy decoded(std::span<const uint8_t> bytes) {
     return analyticspak::recordOfBytes<Buoy>(bytes);
 }
 
-/// Random buoys whose numbers fall on all widths. The same seed gives the same buoys.
+/// Random buoys whose numbers fall on all widths. The same seed produces the same buoys.
 class BuoyYard {
  public:
     explicit BuoyYard(unsigned seed) : random_(seed) {}

@@ -196,7 +196,7 @@ TEST(PakCompactInput, SeeksForwardOnly) {
         int32_t value = 0;
         stream.read(value, 5);
         EXPECT_EQ(value, 9) << field;
-        // Cut anywhere, the field behind reads as absent, and the reason is told.
+        // Cut anywhere, the field behind reads as absent, and the reason is reported.
         for (size_t length = 1; length < bytes.size() - 2; ++length) {
             testing::internal::CaptureStdout();
             EXPECT_FALSE(CompactIn(bytes.data(), length).skipToTag(5)) << field;

@@ -16,7 +16,7 @@ std::string hexOrNone(const std::optional<Bytes>& bytes) {
     return bytes ? Ozu_hexString(*bytes) : "none";
 }
 
-// Sent: the statistics server decrypts what single DES gave.
+// Sent: the statistics server decrypts what single DES produced.
 TEST(CryptData, SingleDesIsTripleDesWithOneKey) {
     const auto cipher = Ozu_desWithKey(plain, "8 bytes!");
     EXPECT_EQ(Ozu_tripleDESDecryptWithKey(cipher.value(), "8 bytes!8 bytes!8 bytes!"), plain);
