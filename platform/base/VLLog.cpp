@@ -16,13 +16,14 @@
 #include "platform/base/raii.h"
 
 namespace vorla {
-namespace {
 
-struct Line {
+struct LogLine {
     int priority;
     bool onStandardError;
     std::string text;
 };
+
+namespace {
 
 struct LogState {
     std::mutex mutex;
@@ -53,9 +54,9 @@ std::atomic<LogLevel>& level() {
 }
 
 /// The lines that the outermost hold of the thread keeps back.
-thread_local std::vector<Line>* heldLines = nullptr;
+thread_local std::vector<LogLine>* heldLines = nullptr;
 
-void deliver(const Line& line) {
+void deliver(const LogLine& line) {
     if (const auto handler = currentHandler()) {
         try {
             (*handler)(line.text);
@@ -68,7 +69,7 @@ void deliver(const Line& line) {
     if (line.onStandardError) std::fprintf(stderr, "%s\n", line.text.c_str());
 }
 
-void deliverOrHold(Line line) {
+void deliverOrHold(LogLine line) {
     if (heldLines)
         heldLines->push_back(std::move(line));
     else
@@ -114,18 +115,14 @@ void setLogHandler(LogHandler handler) {
     state().handler.swap(shared);
 }
 
-struct LogHold::Lines : std::vector<Line> {};
-
 LogHold::LogHold() {
-    if (heldLines) return;
-    lines_ = std::make_unique<Lines>();
-    heldLines = lines_.get();
+    if (!heldLines) heldLines = &lines_;
 }
 
 LogHold::~LogHold() {
-    if (!lines_) return;
+    if (heldLines != &lines_) return;
     heldLines = nullptr;
-    for (const Line& line : *lines_) deliver(line);
+    for (const LogLine& line : lines_) deliver(line);
 }
 
 }  // namespace vorla

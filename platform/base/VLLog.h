@@ -2,9 +2,9 @@
 
 #include <cstdarg>
 #include <functional>
-#include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 // Log lines: one line each, printf format, UTF-8, no newline. Any thread; logging never fails.
 //
@@ -49,6 +49,8 @@ std::string formattedLine(const char* format, va_list arguments);
 /// standard error only where that is asked for.
 void logLine(std::string_view line, bool onStandardError);
 
+struct LogLine;
+
 /// Keeps back what its thread logs until the last one of the thread ends, and then logs it in the
 /// order in which it came. Stands before each lock under which something may be logged, so that the
 /// lock is free again when a handler runs.
@@ -60,9 +62,8 @@ class LogHold {
     LogHold& operator=(const LogHold&) = delete;
 
  private:
-    struct Lines;
-    /// None inside another hold.
-    std::unique_ptr<Lines> lines_;
+    /// Stays empty inside another hold.
+    std::vector<LogLine> lines_;
 };
 
 }  // namespace vorla
