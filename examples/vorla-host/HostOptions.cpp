@@ -44,6 +44,11 @@ bool refuse(const QString& reason) {
     return false;
 }
 
+void printCrashKinds(FILE* stream) {
+    for (const CrashKind& known : crashKinds())
+        std::fprintf(stream, "%-20s%s\n", known.name.data(), known.what.data());
+}
+
 bool readCrash(const QCommandLineParser& parser, HostOptions& options) {
     const QString when = parser.value("crash-when");
     options.crashWhenPanels = when == u"panels";
@@ -53,9 +58,8 @@ bool readCrash(const QCommandLineParser& parser, HostOptions& options) {
     const QString kind = parser.value("crash");
     options.crash = crashKind(kind.toStdString());
     if (options.crash) return true;
-    if (kind != u"list") refuse("unknown kind: " + kind);
-    for (const CrashKind& known : crashKinds())
-        std::fprintf(stderr, "%-20s%s\n", known.name.data(), known.what.data());
+    refuse("unknown kind: " + kind);
+    printCrashKinds(stderr);
     return false;
 }
 
@@ -110,6 +114,10 @@ std::variant<HostOptions, ExitStatus> HostOptions::parse(const QStringList& argu
     }
     if (parser.isSet("version")) {
         std::printf("vorla-host %s\n", VorlaFrameworkVersionString);
+        return ExitStatus::Delivered;
+    }
+    if (parser.value("crash") == u"list") {
+        printCrashKinds(stdout);
         return ExitStatus::Delivered;
     }
     HostOptions options;
