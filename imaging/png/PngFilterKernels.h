@@ -143,12 +143,12 @@ struct PngFilterKernels {
 
     [[gnu::always_inline]] static inline void packRgb(const uint32_t* pixels, size_t count,
                                                       uint8_t* out) {
-        const Pixels order = {2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, 3, 3, 3, 3};
         size_t i = 0;
         for (; i + 4 <= count; i += 4, out += 12) {
             Pixels four;
             std::memcpy(&four, pixels + i, sizeof four);
-            four = __builtin_shuffle(four, order);
+            four = __builtin_shufflevector(four, four, 2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, 3, 3,
+                                           3, 3);
             std::memcpy(out, &four, sizeof four);
         }
         for (; i < count; ++i, out += 3) {
