@@ -19,10 +19,23 @@ using nlohmann::json;
 
 /// Square points; a drawing that claims more is broken and would only eat memory.
 constexpr double largestDrawing = 1 << 21;
+/// Bytes of a file, and of a text with its placeholders filled in: each of these may hold others
+/// twice, and a few dozen of them would then fill the memory.
+constexpr qsizetype longestText = 1 << 20;
+/// Variants, the deepest values there are, lie at 3. Copying values takes stack for each level.
+constexpr int deepestValue = 8;
 
 QByteArray contents(const std::string& path) {
     QFile file(QFile::decodeName(path.c_str()));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return file.open(QIODevice::ReadOnly) && file.size() <= longestText ? file.readAll()
+                                                                        : QByteArray();
+}
+
+json parsed(const QByteArray& text) {
+    const auto shallow = [](int depth, json::parse_event_t, const json&) {
+        return depth <= deepestValue;
+    };
+    return json::parse(text.begin(), text.end(), shallow, false);
 }
 
 /// What changes when a file is written or replaced; the same for every file that is not there.
@@ -46,8 +59,11 @@ void append(const json& names, Texts& texts) {
 }
 
 QByteArray filled(QByteArray pattern, const Texts& texts) {
-    for (const auto& [name, text] : texts)
-        if (pattern.contains('@')) pattern.replace(name, text);
+    for (const auto& [name, text] : texts) {
+        if (!pattern.contains('@')) break;
+        if (pattern.size() + pattern.count(name) * text.size() > longestText) return {};
+        pattern.replace(name, text);
+    }
     return pattern;
 }
 
@@ -81,8 +97,7 @@ struct ThemeFile::Layer {
     json values;
 
     explicit Layer(std::string from) : folder(std::move(from)), state(stateOf(path())) {
-        const QByteArray text = contents(path());
-        values = json::parse(text.begin(), text.end(), nullptr, false);
+        values = parsed(contents(path()));
         if (values.is_object()) return;
         if (QFileInfo::exists(QFile::decodeName(path().c_str())))
             VLLogError("the theme file %s is not a JSON object: its look is missing",

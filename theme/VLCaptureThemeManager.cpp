@@ -32,9 +32,16 @@ std::string themeOfSupplyID(const std::string& supplyID) {
     return "default";
 }
 
+/// Beyond every screen; what is computed from such points still fits into whole numbers.
+constexpr double farthest = 1e6;
+
+double numberOf(const json& value) {
+    return std::clamp(value.get<double>(), -farthest, farthest);
+}
+
 double numberOf(const json& object, const char* member, double missing = 0.0) {
     const auto found = object.find(member);
-    return found != object.end() && found->is_number() ? found->get<double>() : missing;
+    return found != object.end() && found->is_number() ? numberOf(*found) : missing;
 }
 
 std::string stringOf(const json& object, const char* member) {
@@ -185,7 +192,7 @@ VLSize VLCaptureThemeManager::themedSizeWithKey(const std::string& key) const {
 
 float VLCaptureThemeManager::themedWeightWithKey(const std::string& key) const {
     const json value = objectWithKey(key);
-    return value.is_number() ? value.get<float>() : 0.0F;
+    return value.is_number() ? static_cast<float>(numberOf(value)) : 0.0F;
 }
 
 bool VLCaptureThemeManager::themedEnableWithKey(const std::string& key) const {
