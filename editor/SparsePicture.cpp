@@ -90,6 +90,21 @@ class PixelTarget {
     QPoint origin_;
 };
 
+/// The parts to draw one after the other. The painter's cost is that of all the rows it is given,
+/// also of those outside its clip: the far apart edges of a large shape are worth a drawing each,
+/// the many small parts of a region are not.
+std::vector<QRegion> drawnAtOnce(const QRegion& region) {
+    constexpr int fewRects = 4;
+    if (region.rectCount() > fewRects) return {region};
+    return {region.begin(), region.end()};
+}
+
+/// A part of a picture as a picture of its own, on the same memory.
+QImage partOf(QImage& image, const QRect& part) {
+    return {image.scanLine(part.top()) + part.left() * qsizetype{4}, part.width(), part.height(),
+            image.bytesPerLine(), image.format()};
+}
+
 QRect stripRect(size_t index, QSize size) {
     return QRect(static_cast<int>(index) * stripWidth, 0, stripWidth, size.height()) &
            QRect(QPoint(), size);
@@ -136,10 +151,14 @@ void SparsePicture::paint(const QRegion& region, const Draw& draw) {
         for (const QRect& rect : part)
             for (int block = rect.top() / blockRows; block <= rect.bottom() / blockRows; ++block)
                 strips_[i].painted[static_cast<size_t>(block)] = true;
-        QPainter painter(&strips_[i].image);
-        painter.setClipRegion(part.translated(-place.topLeft()));
-        painter.translate(-place.topLeft());
-        draw(painter);
+        for (const QRegion& piece : drawnAtOnce(part)) {
+            const QRect bounds = piece.boundingRect();
+            QImage target = partOf(strips_[i].image, bounds.translated(-place.topLeft()));
+            QPainter painter(&target);
+            painter.setClipRegion(piece.translated(-bounds.topLeft()));
+            painter.translate(-bounds.topLeft());
+            draw(painter);
+        }
     }
 }
 

@@ -6,6 +6,7 @@
 #include "editor/devicePainting.h"
 #include "editor/items/VLMosaicCurveItem.h"
 #include "platform/base/VLLog.h"
+#include "platform/view/FrozenScreen.h"
 
 /// Shows the picture pixel for pixel.
 class VLEditViewController::BackgroundImageView : public VLView {
@@ -34,9 +35,13 @@ class VLEditViewController::BackgroundImageView : public VLView {
             painter.drawImage(QRect(QPoint(), pixels.sizeOfView()), image_, image_.rect());
             return;
         }
+        const QRegion region = pixels.regionOf(rectsBeingDrawn());
+        if (image_.format() == QImage::Format_RGB32) {
+            vorla::FrozenScreen(image_).draw(painter, region);
+            return;
+        }
         if (!image_.hasAlphaChannel()) painter.setCompositionMode(QPainter::CompositionMode_Source);
-        for (const QRect& part : pixels.regionOf(rectsBeingDrawn()))
-            painter.drawImage(part, image_, part);
+        for (const QRect& part : region) painter.drawImage(part, image_, part);
     }
 
  private:
