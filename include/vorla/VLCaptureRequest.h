@@ -52,15 +52,18 @@ class VL_EXPORT VLCaptureRequest {
 
     /// Whether the session offers the switch to the host's recorder. False at first.
     [[nodiscard]] bool showSwitch() const;
+    /// Offers that switch, or not, from the next session on.
     void setShowSwitch(bool value);
 
     /// Whether "save" asks the user for a place; if not, it saves to the last one. True at first.
     [[nodiscard]] bool needSelectSavePath() const;
+    /// Has "save" ask, or not, from the next saving on, also in the session that runs.
     void setNeedSelectSavePath(bool value);
 
-    /// Receiver of the outcome, null if there is none or it no longer exists. The request does not
-    /// keep it alive, a running session does.
+    /// Receiver of the outcome, null if there is none or it no longer exists.
     [[nodiscard]] std::shared_ptr<VLCaptureRequestDelegate> delegate() const;
+    /// Sets the receiver of the outcomes of later sessions; an empty pointer ends it. The request
+    /// does not keep it alive, a running session does.
     void setDelegate(const std::weak_ptr<VLCaptureRequestDelegate>& delegate);
 
  private:

@@ -12,7 +12,9 @@ namespace vorla {
 class UserDefaults;
 }
 
-/// Keys under which the settings are stored. Never rename: users' choices lie under them.
+/// @name Keys
+/// Under which the settings are stored. Never rename: users' choices lie under them.
+/// @{
 inline constexpr std::string_view VLCaptureSettingKeyPlaySound = "VLCaptureSettingKeyPlaySound";
 inline constexpr std::string_view VLCaptureSettingKeyHighResolution =
     "VLCaptureSettingKeyHighResolution";
@@ -21,6 +23,7 @@ inline constexpr std::string_view VLCaptureSettingLastSavePath = "VLCaptureSetti
 inline constexpr std::string_view VLSettingKeyChannel = "settingkeychannel";
 inline constexpr std::string_view VLSettingKeyRunAlone = "settingkeyrunalone";
 inline constexpr std::string_view VLCaptureSettingKeyThemeName = "VLCaptureSettingKeyThemeName";
+/// @}
 
 /// Image formats as they are stored in `fileType`: never renumber.
 enum VLBitmapFileType : uint64_t {
@@ -32,14 +35,20 @@ enum VLBitmapFileType : uint64_t {
     VLBitmapFileTypeJPEG2000 = 5,
 };
 
-/// The user's choices, kept in the per-user defaults at once when they are set.
+/// The user's choices, kept in the per-user defaults (host-guide.md says in which file).
 ///
-/// Reading a setting that is not stored stores its default, so the first read fixes it for this
-/// user: a host that changes `VLCaptureDefaultSetting` later changes nothing for them. Channel and
-/// theme name are the exceptions, their defaults are never stored. A stored value of a kind that
-/// makes no sense for its setting reads as the default and is left alone. Any thread.
+/// A getter looks at what is stored, also by another process, at each call. Where nothing is, it
+/// returns the product's default, and those of the five settings that say so store it too: the
+/// first read then fixes the choice for this user, and a host that changes
+/// `VLCaptureDefaultSetting` later changes nothing for them. A stored value of a kind that makes no
+/// sense for its setting reads as the default and is left alone.
+///
+/// A setter stores at once and returns nothing: what cannot be written is logged, and holds for the
+/// life of the process. Numbers and texts are stored as they come; texts are UTF-8. A session that
+/// runs reads the settings when it delivers. Nothing throws. Any thread.
 class VL_EXPORT VLCaptureSetting {
  public:
+    /// The settings of the framework itself. Lives as long as the process.
     static VLCaptureSetting& sharedInstance();
 
     /// Settings in another store, for the framework's own use; both must outlive this object.
@@ -48,43 +57,72 @@ class VL_EXPORT VLCaptureSetting {
     VLCaptureSetting(const VLCaptureSetting&) = delete;
     VLCaptureSetting& operator=(const VLCaptureSetting&) = delete;
 
+    /// Whether a sound tells that a picture was delivered. Stores the default.
     [[nodiscard]] bool isPlaySound();
+    /// Turns the sound of deliveries on or off, from the next one on.
     void setPlaySound(bool value);
 
-    /// Whether pictures keep the screen's full resolution instead of one pixel a point.
+    /// Whether pictures keep the pixels of a screen that has several to a point. Stores the
+    /// default.
     [[nodiscard]] bool isHighResolution();
+    /// Keeps all pixels of such screens, or reduces pictures to one pixel a point, from the next
+    /// delivery on.
     void setHighResolution(bool value);
 
-    /// A `VLBitmapFileType`; a stored number outside of it is returned as it is.
+    /// In which format pictures are saved to files, a `VLBitmapFileType`; a stored number that is
+    /// none is returned as it is, and saves as PNG. Stores the default.
     [[nodiscard]] uint64_t fileType();
+    /// Sets the format of saved files from the next one on: a `VLBitmapFileType`, which is not
+    /// checked.
     void setFileType(uint64_t value);
 
-    /// The folder that the user saved to last.
+    /// The folder that the user saved to last, which the next saving begins with. Stores the
+    /// default.
     [[nodiscard]] std::string lastSavePath();
+    /// Sets that folder: an absolute path, or one that begins with "~". It is looked at when a file
+    /// is saved there. The framework sets it each time that the user saves elsewhere.
     void setLastSavePath(const std::string& value);
 
-    /// The product's distribution channel. Setting an empty one changes nothing.
+    /// Through which channel this user got the product, as statistics say.
     [[nodiscard]] std::string channel();
+    /// Sets the channel. An empty text changes nothing.
     void setChannel(const std::string& value);
 
+    /// Whether the capture is a product of its own and no part of another one, as statistics say;
+    /// it changes nothing else. Stores the default.
     [[nodiscard]] bool isRunAlone();
+    /// Says so of this user's product.
     void setRunAlone(bool value);
 
+    /// The name of the theme that the latest session had, "default" before the first one.
     [[nodiscard]] std::string themeName();
+    /// Stores a theme's name, which is not checked. Each session chooses its theme by
+    /// `VLInfoKeySupplyID` and stores that one's: hosts set the value, not this name.
     void setThemeName(const std::string& value);
 
-    /// Start of the names of saved files. Not stored: taken from the default at the first read and
-    /// kept for the life of the process.
+    /// What the names of saved files begin with. Not stored: taken from the default at the first
+    /// read, and kept for the life of the process.
     [[nodiscard]] std::string fileNamePrefix();
+    /// Sets the beginning of file names for the life of the process, from the next file on.
     void setFileNamePrefix(std::string value);
 
+    // What the getters above return where nothing is stored. Nothing is stored by asking.
+
+    /// Of `isPlaySound`; see `VLCaptureDefaultSetting`.
     [[nodiscard]] bool defaultValueOfPlaySound() const;
+    /// Of `isHighResolution`; see `VLCaptureDefaultSetting`.
     [[nodiscard]] bool defaultValueOfResolution() const;
+    /// Of `isRunAlone`; see `VLCaptureDefaultSetting`.
     [[nodiscard]] bool defaultValueOfRunAlone() const;
+    /// Of `fileType`; see `VLCaptureDefaultSetting`.
     [[nodiscard]] uint64_t defaultValueOfFileType() const;
+    /// Of `lastSavePath`; see `VLCaptureDefaultSetting`.
     [[nodiscard]] std::string defaultValueOfSavePath() const;
+    /// Of `fileNamePrefix`; see `VLCaptureDefaultSetting`.
     [[nodiscard]] std::string defaultValueOfFileNamePrefix() const;
+    /// Of `channel`; see `VLCaptureDefaultSetting`.
     [[nodiscard]] std::string defaultValueOfChannel() const;
+    /// Of `themeName`: always "default".
     [[nodiscard]] std::string defaultValueOfThemeName() const;
 
  private:
