@@ -8,6 +8,9 @@
 
 #include <vorla/export.h>
 
+/// @file
+/// Reports of the host's death.
+
 /// Called in the dying program once the record of its crash is on disk; null at first. It runs on
 /// the faulting thread, on the alternate stack: it should do little, may do anything, and is ended
 /// by a guard when it takes too long.
@@ -146,15 +149,21 @@ class VL_EXPORT CrashReporter {
     void applicationWillResignActive();
 
     /// @name Not implemented here
-    /// They log, do nothing, or return false.
+    /// They take no part in reporting.
     /// @{
 
+    /// Logs that there is no such thing here.
     void reportUnityExceptionWithName(const std::string& name, const std::string& reason,
                                       const std::string& stack);
+    /// Logs the error, and reports nothing.
     void reportError(const std::string& error, const std::string& log);
+    /// Does nothing.
     void enableBlockMonitor(bool enable, bool autoReport);
+    /// Does nothing.
     void startBlockMonitor();
+    /// Does nothing.
     void stopBlockMonitor();
+    /// Always false.
     bool checkBlockDataExistAndReport();
     /// @}
 

@@ -7,6 +7,9 @@
 #include <string>
 #include <vector>
 
+/// @file
+/// How a capture ends, and why it may not begin.
+
 /// Why a capture was not started, or why its picture did not get to where it should.
 /// The numbers are those of <vorla/vorla.h> and stay.
 enum VLCaptureError : int {
@@ -50,8 +53,8 @@ enum VLCaptureOutcomeKind : int {
 
 /// The end of a session, a value.
 struct VLCaptureOutcome {
-    VLCaptureOutcomeKind kind = VLCaptureOutcomeRefused;
-    VLCaptureError error = VLCaptureErrorNone;
+    VLCaptureOutcomeKind kind = VLCaptureOutcomeRefused;  ///< how it ended
+    VLCaptureError error = VLCaptureErrorNone;            ///< why it was refused, or failed
     /// The picture as PNG, if one was made.
     std::vector<std::byte> imageData = {};
     /// The file that was written, or could not be; UTF-8. Empty for the clipboard.

@@ -12,16 +12,27 @@ namespace vorla {
 class UserDefaults;
 }
 
+/// @file
+/// The user's choices.
+
 /// @name Keys
 /// Under which the settings are stored. Never rename: users' choices lie under them.
 /// @{
+
+/// Of `isPlaySound`.
 inline constexpr std::string_view VLCaptureSettingKeyPlaySound = "VLCaptureSettingKeyPlaySound";
+/// Of `isHighResolution`.
 inline constexpr std::string_view VLCaptureSettingKeyHighResolution =
     "VLCaptureSettingKeyHighResolution";
+/// Of `fileType`.
 inline constexpr std::string_view VLCaptureSettingKeyFileType = "VLCaptureSettingKeyFileType";
+/// Of `lastSavePath`.
 inline constexpr std::string_view VLCaptureSettingLastSavePath = "VLCaptureSettingLastSavePath";
+/// Of `channel`.
 inline constexpr std::string_view VLSettingKeyChannel = "settingkeychannel";
+/// Of `isRunAlone`.
 inline constexpr std::string_view VLSettingKeyRunAlone = "settingkeyrunalone";
+/// Of `themeName`.
 inline constexpr std::string_view VLCaptureSettingKeyThemeName = "VLCaptureSettingKeyThemeName";
 /// @}
 

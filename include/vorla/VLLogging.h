@@ -5,6 +5,9 @@
 #include <functional>
 #include <string_view>
 
+/// @file
+/// Where the framework's log lines go, and how many there are.
+
 /// Sends all of the framework's log lines, whatever the level, to the host instead of the system
 /// log and standard error. The handler gets one line, UTF-8, without its newline, on the thread
 /// that logs; no lock of ours is held, so it may call back, count, fork or wait for another thread.

@@ -43,11 +43,12 @@ inline constexpr const char* VLFocusItemLineColor = "focusitemlinecolor";
 
 /// A colour by its parts, each from 0 to 1, not premultiplied.
 struct VLNotificationColor {
-    double red = 0.0;
-    double green = 0.0;
-    double blue = 0.0;
-    double alpha = 1.0;
+    double red = 0.0;    ///< its red part
+    double green = 0.0;  ///< its green part
+    double blue = 0.0;   ///< its blue part
+    double alpha = 1.0;  ///< how opaque it is
 
+    /// Whether all parts are the same.
     friend bool operator==(const VLNotificationColor&, const VLNotificationColor&) = default;
 };
 

@@ -5,5 +5,5 @@
 
 inline constexpr const char* VLDESKTOP = "Desktop";  ///< stands for the whole screen
 inline constexpr const char* VLDOCK = "Dock";        ///< panels and docks: never snapped to
-inline constexpr const char* VLGoogleChrome = "Google Chrome";
-inline constexpr const char* VLIbisBrowser = "Ibis浏览器";
+inline constexpr const char* VLGoogleChrome = "Google Chrome";  ///< a browser
+inline constexpr const char* VLIbisBrowser = "Ibis浏览器";      ///< a browser

@@ -150,12 +150,19 @@ VL_EXPORT int vorla_get_text(int setting, char* buffer, size_t capacity, size_t*
 /** Stores a setting that is a text, at once. Any thread. */
 VL_EXPORT int vorla_set_text(int setting, const char* value);
 
-/** What a setting is when the user has chosen nothing, for the product to set before the first
-    capture. 0 and the empty text stand for the built-in default. Neither is stored. The theme's
-    name has no default to set. Any thread. */
+/** What a setting that is a number is when the user has chosen nothing. Stores nothing. Any
+    thread. */
 VL_EXPORT int vorla_get_default_number(int setting, int64_t* value);
+/** Sets that for this process's product, before the first capture; 0 stands for the built-in
+    default. A user for whom the setting is stored keeps it. VORLA_ERROR_OUT_OF_RANGE for a value
+    without a meaning. Any thread. */
 VL_EXPORT int vorla_set_default_number(int setting, int64_t value);
+/** What a setting that is a text is when the user has chosen nothing; see `vorla_get_info` for the
+    buffer. Stores nothing. Any thread. */
 VL_EXPORT int vorla_get_default_text(int setting, char* buffer, size_t capacity, size_t* length);
+/** Sets that for this process's product, before the first capture; the empty text stands for the
+    built-in default. A user for whom the setting is stored keeps it. The theme's name has no
+    default to set: VORLA_ERROR_KIND. Any thread. */
 VL_EXPORT int vorla_set_default_text(int setting, const char* value);
 
 /* Logs ----------------------------------------------------------------------------------------- */
@@ -202,21 +209,22 @@ enum {
 
 /** How crashes are to be reported. Null stands for what the framework knows by itself. */
 typedef struct vorla_crash_options {
-    size_t size;            /**< sizeof(vorla_crash_options) */
-    const char* app_key;    /**< names the program to the server; needed */
-    const char* folder;     /**< where the files are kept; absolute */
-    const char* program_id; /**< facts for the reports */
-    const char* program_version;
-    const char* user_id;
-    const char* device_id;
-    const char* channel;
-    uint32_t flags;        /**< VORLA_CRASH_ bits */
-    uint32_t reserved;     /**< 0 */
-    void (*crashed)(void); /**< called when a report is on disk: in the dying program, on the
-                                faulting thread, where it should do little and is cut short when
-                                it takes long; and in `vorla_crash_report` */
+    size_t size;                 /**< sizeof(vorla_crash_options) */
+    const char* app_key;         /**< names the program to the server; needed */
+    const char* folder;          /**< where the files are kept; absolute */
+    const char* program_id;      /**< which host this is, for the server */
+    const char* program_version; /**< crashes of another version are dropped */
+    const char* user_id;         /**< who uses the program */
+    const char* device_id;       /**< what stands for the device; a random number by default */
+    const char* channel;         /**< through which channel the program is distributed */
+    uint32_t flags;              /**< VORLA_CRASH_ bits */
+    uint32_t reserved;           /**< 0 */
+    void (*crashed)(void);       /**< called when a report is on disk: in the dying program, on the
+                                      faulting thread, where it should do little and is cut short when
+                                      it takes long; and in `vorla_crash_report` */
 } vorla_crash_options;
 
+/** Options with all defaults, for a variable's definition; `app_key` is still to be set. */
 #define VORLA_CRASH_OPTIONS_INIT \
     { sizeof(vorla_crash_options), 0, 0, 0, 0, 0, 0, 0, 0, 0, 0 }
 
@@ -259,6 +267,7 @@ typedef struct vorla_capture_options {
     uint32_t save_without_asking; /**< 1: "save" writes to the last folder at once. 0 at first */
 } vorla_capture_options;
 
+/** Options with all defaults, for a variable's definition. */
 #define VORLA_CAPTURE_OPTIONS_INIT \
     { sizeof(vorla_capture_options), 0, 0 }
 
