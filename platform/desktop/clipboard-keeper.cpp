@@ -78,7 +78,8 @@ class Keeper {
             if (type == xfixes->first_event + XCB_XFIXES_SELECTION_NOTIFY) {
                 const auto& change =
                     reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(*event);
-                if (change.owner == window_) continue;
+                // An event may tell of the time before the clipboard was taken.
+                if (change.owner == window_ || ownerOf(clipboard_) == window_) continue;
                 if (change.subtype == XCB_XFIXES_SELECTION_EVENT_SET_SELECTION_OWNER) return;
                 if (!takeOver(false)) return;
             } else if (type == XCB_SELECTION_REQUEST) {
