@@ -242,7 +242,7 @@ VL_EXPORT int vorla_crash_set_user_data(const char* key, const char* value);
 /** The number of the scene that the program is in. Any thread. */
 VL_EXPORT int vorla_crash_set_scene(uint64_t scene);
 /** A value of the scene: at most 15 of up to 200 characters, under keys of up to 50 letters and
-    digits. Any thread. */
+    digits; what goes beyond that is left out. Any thread. */
 VL_EXPORT int vorla_crash_add_scene_value(const char* key, const char* value);
 /** A text that goes along with each crash; 10,240 characters of it are kept. Any thread. */
 VL_EXPORT int vorla_crash_attach_text(const char* text);

@@ -2,6 +2,13 @@
 
 #include <QPainter>
 
+namespace {
+
+/// From here on a grey is hard to tell from white.
+constexpr int lightest = 200;
+
+}  // namespace
+
 void VLPopoverColorButtonForTern::setColor(const QColor& color) {
     color_ = color;
     setNeedsDisplay();
@@ -19,4 +26,8 @@ void VLPopoverColorButtonForTern::drawRect(QPainter& painter, const VLRect& dirt
     if (!isSelected()) return;
     painter.setPen(QPen(borderColor_, 2.0, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
     painter.drawRect(whole.adjusted(1.0, 1.0, -1.0, -1.0));
+    // A light border around a light colour would say nothing.
+    if (qGray(color_.rgb()) < lightest) return;
+    painter.setPen(QPen(QColor(0, 0, 0, 160), 1.0, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    painter.drawRect(whole.adjusted(2.5, 2.5, -2.5, -2.5));
 }
