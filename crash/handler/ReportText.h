@@ -21,7 +21,7 @@ struct CrashEvent {
     std::string_view firstType, firstError, firstAddress;
 };
 
-/// Writes the report in the layout of docs/crash-reporting.md. May run after a fault.
+/// Writes the report in the layout of docs/crash-reports.md. May run after a fault.
 void writeReport(const CrashEvent& event, const CollectedCrash& crash,
                  const CvrPreparedCrash& prepared, const LocalTime& localTime, TextBuffer& to);
 
