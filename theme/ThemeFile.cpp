@@ -11,6 +11,7 @@
 #include <tuple>
 
 #include "platform/base/VLLog.h"
+#include "platform/base/jsonObject.h"
 
 namespace vorla {
 namespace {
@@ -22,20 +23,11 @@ constexpr double largestDrawing = 1 << 21;
 /// Bytes of a file, and of a text with its placeholders filled in: each of these may hold others
 /// twice, and a few dozen of them would then fill the memory.
 constexpr qsizetype longestText = 1 << 20;
-/// Variants, the deepest values there are, lie at 3. Copying values takes stack for each level.
-constexpr int deepestValue = 8;
 
 QByteArray contents(const std::string& path) {
     QFile file(QFile::decodeName(path.c_str()));
     return file.open(QIODevice::ReadOnly) && file.size() <= longestText ? file.readAll()
                                                                         : QByteArray();
-}
-
-json parsed(const QByteArray& text) {
-    const auto shallow = [](int depth, json::parse_event_t, const json&) {
-        return depth <= deepestValue;
-    };
-    return json::parse(text.begin(), text.end(), shallow, false);
 }
 
 /// What changes when a file is written or replaced; the same for every file that is not there.
@@ -97,11 +89,13 @@ struct ThemeFile::Layer {
     json values;
 
     explicit Layer(std::string from) : folder(std::move(from)), state(stateOf(path())) {
-        values = parsed(contents(path()));
-        if (values.is_object()) return;
+        const QByteArray text = contents(path());
+        values = jsonObject({text.constData(), static_cast<size_t>(text.size())});
+        if (!values.is_discarded()) return;
         if (QFileInfo::exists(QFile::decodeName(path().c_str())))
-            VLLogError("the theme file %s is not a JSON object: its look is missing",
-                       path().c_str());
+            VLLogError(
+                "the theme file %s is no JSON object, or nested too deep: its look is missing",
+                path().c_str());
         values = json::object();
     }
     [[nodiscard]] std::string path() const { return folder + "/themeConfigue.json"; }

@@ -14,6 +14,7 @@
 
 #include "platform/base/VLLog.h"
 #include "platform/base/files.h"
+#include "platform/base/jsonObject.h"
 #include "platform/base/raii.h"
 
 namespace vorla {
@@ -50,8 +51,8 @@ std::string initialResourcePath() {
 }
 
 json readJsonObject(const std::string& path) {
-    json value = json::parse(readFile(path).value_or(""), nullptr, false);
-    return value.is_object() ? value : json::object();
+    json value = jsonObject(readFile(path).value_or(""));
+    return value.is_discarded() ? json::object() : value;
 }
 
 struct HostState {

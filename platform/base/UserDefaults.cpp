@@ -17,6 +17,7 @@
 #include "platform/base/Bundle.h"
 #include "platform/base/VLLog.h"
 #include "platform/base/files.h"
+#include "platform/base/jsonObject.h"
 #include "platform/base/raii.h"
 
 namespace vorla {
@@ -76,13 +77,8 @@ json storedForm(const UserDefaults::Value& value) {
         value);
 }
 
-json parsedObject(const std::string& text) {
-    json object = json::parse(text, nullptr, false);
-    return object.is_object() ? object : json(json::value_t::discarded);
-}
-
 json readObject(const std::string& path) {
-    json object = parsedObject(readFile(path).value_or(""));
+    json object = jsonObject(readFile(path).value_or(""));
     return object.is_discarded() ? json::object() : object;
 }
 
@@ -90,7 +86,7 @@ json readObject(const std::string& path) {
 json readForMerge(const std::string& path) {
     const auto text = readFile(path);
     if (!text) return errno == ENOENT ? json::object() : json(json::value_t::discarded);
-    json object = parsedObject(*text);
+    json object = jsonObject(*text);
     if (!object.is_discarded()) return object;
     if (!text->empty()) {
         VLLogError("preferences %s cannot be parsed and are put aside", path.c_str());

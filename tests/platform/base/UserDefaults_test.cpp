@@ -92,7 +92,10 @@ TEST_F(Defaults, AnUnwritableFileKeepsValuesForTheProcess) {
 
 TEST_F(Defaults, ABrokenFileIsPutAsideAndAnUnreadableOneIsLeftAlone) {
     ASSERT_TRUE(vorla::createDirectories(folder_ / "sub"));
-    for (const char* text : {"{\"a\": 1", "[1, 2]", "\xFF\xFF"}) {
+    const std::string deep =
+        "{\"a\": 1, \"b\": " + std::string(200'000, '[') + std::string(200'000, ']') + "}";
+    for (const std::string& text :
+         std::vector<std::string>{"{\"a\": 1", "[1, 2]", "\xFF\xFF", deep}) {
         ASSERT_TRUE(vorla::writeFileAtomically(path_, text));
         UserDefaults defaults(path_);
         EXPECT_FALSE(defaults.objectForKey("a")) << text;
