@@ -94,9 +94,12 @@ QString VLEditView::contentOfTextItem(const VLEditItem& item) {
     return text ? text->contentString() : QString();
 }
 
-void VLEditView::setContentOfTextItem(VLEditItem& item, const QString& text) {
-    if (auto* textItem = dynamic_cast<VLTextViewBasedItem*>(&item))
-        textItem->setContentString(text);
+void VLEditView::setContentOfTextItem(const Item& item, const QString& text) {
+    auto* textItem = dynamic_cast<VLTextViewBasedItem*>(item.get());
+    if (!textItem) return;
+    textItem->setContentString(text);
+    // An edit that is under way goes on from here: its own step holds what is typed after this.
+    if (item == focusItem() && textItemContentBeforeEdit_) textItemContentBeforeEdit_ = text;
 }
 
 bool VLEditView::itemIsBottomLevel(const VLEditItem& item) {
@@ -160,6 +163,7 @@ void VLEditView::setFocusItem(const Item& item) {
 
 void VLEditView::leaveFocusedItem() {
     const Item item = focusItem();
+    item->setEditType(VLEditTypeNormal);  // a composition becomes text
     if (itemIsTextViewBaseItem(item.get())) {
         const auto earlier = std::exchange(textItemContentBeforeEdit_, std::nullopt);
         const QString now = contentOfTextItem(*item);
@@ -167,7 +171,6 @@ void VLEditView::leaveFocusedItem() {
             undoManager_.registerUndo(
                 [this, item, from = *earlier, now] { undoEditTextViewBasedItem(item, from, now); });
     }
-    item->setEditType(VLEditTypeNormal);
     VLLog("unfocus item %s", VLEditGraphTypeString(item->graphType()).value_or("").c_str());
 }
 

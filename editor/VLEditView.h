@@ -88,7 +88,7 @@ class VLEditView : public VLView {
     void leaveFocusedItem();
     void postFocusItemDidChange(const VLEditItem& item);
     [[nodiscard]] static QString contentOfTextItem(const VLEditItem& item);
-    static void setContentOfTextItem(VLEditItem& item, const QString& text);
+    void setContentOfTextItem(const Item& item, const QString& text);
 
     // The press, in VLEditViewMouse.cpp.
     [[nodiscard]] static std::optional<Hit> hitOnItem(const Item& item, VLPoint point);

@@ -114,6 +114,7 @@ bool VLEditView::pressOnText(const VLMouseEvent& event, VLPoint point) {
     const Item item = focusItem();
     if (!itemIsTextViewBaseItem(item.get()) || event.clickCount < 2 || !item->mouseHitGraph(point))
         return false;
+    if (item->editType() == VLEditTypeEdit) return true;
     textItemContentBeforeEdit_ = contentOfTextItem(*item);
     item->setEditType(VLEditTypeEdit);
     return true;
@@ -187,21 +188,25 @@ void VLEditView::handelCreateItemWithMouseDown(VLPoint point) {
 
 /// `endsSwapped`: the item keeps the end that stays as its change point.
 void VLEditView::trackResize(const Item& item, VLEditType type, VLPoint fixed, bool endsSwapped) {
-    VLPoint fixedBefore = item->resizeFixedPoint();
-    VLPoint changeBefore = item->resizeChangePoint();
-    if (endsSwapped) std::swap(fixedBefore, changeBefore);
+    const VLPoint ownFixed = item->resizeFixedPoint();
+    const VLPoint ownChange = item->resizeChangePoint();
+    ResizeStep step{0, ownFixed, ownChange, fixed, {}};
+    if (endsSwapped) std::swap(step.fixedPoint, step.changePoint);
     item->setResizeFixedPoint(fixed);
+    bool hasMoved = false;
     const auto dragged = [&](VLPoint p) {
+        hasMoved = true;
         item->setEditType(type);
         item->setResizeChangePoint(p);
     };
     const auto released = [&](VLPoint p) {
-        undoManager_.registerUndo(
-            [this, item, step = ResizeStep{item->editType(), fixedBefore, changeBefore, fixed, p}] {
-                undoItem(item, step);
-            });
+        step.resizeType = item->editType();
+        step.toChangePoint = p;
+        undoManager_.registerUndo([this, item, step] { undoItem(item, step); });
     };
     track(dragged, released);
+    // A handle that was only pressed: the item still lies between its own two points.
+    if (!hasMoved) item->setResizeFixedPoint(ownFixed);
 }
 
 bool VLEditView::handelCornerResizeWithMouseDown(VLPoint point) {

@@ -60,14 +60,14 @@ void VLEditView::redoMove(const Item& item, VLPoint moveVector) {
 void VLEditView::undoEditTextViewBasedItem(const Item& item, const QString& fromString,
                                            const QString& toString) {
     if (!item) return;
-    setContentOfTextItem(*item, fromString);
+    setContentOfTextItem(item, fromString);
     undoManager_.registerUndo([=, this] { redoEditTextViewBasedItem(item, fromString, toString); });
 }
 
 void VLEditView::redoEditTextViewBasedItem(const Item& item, const QString& fromString,
                                            const QString& toString) {
     if (!item) return;
-    setContentOfTextItem(*item, toString);
+    setContentOfTextItem(item, toString);
     undoManager_.registerUndo([=, this] { undoEditTextViewBasedItem(item, fromString, toString); });
 }
 

@@ -2,6 +2,8 @@
 
 #include "editor/VLEditView.h"
 
+#include <QInputMethodEvent>
+
 #include "editor/VLEditNotifications.h"
 #include "editor/items/VLTextViewBasedItem.h"
 #include "platform/base/NotificationCenter.h"
@@ -95,6 +97,43 @@ TEST_P(Canvas, TextOpensAtThePressClosesOnBareCanvasAndIsUndone) {
     EXPECT_EQ(text->contentString(), "ab");
     view().redo();
     EXPECT_EQ(text->contentString().size(), 3);
+}
+
+/// What a text edit leaves behind it: one step from the text before it to the text after it.
+TEST_P(Canvas, AnEditOfATextIsOneStep) {
+    view().setGraphType(VLEditGraphTypeText);
+    click({100, 100});
+    const auto text = std::dynamic_pointer_cast<VLTextViewBasedItem>(view().itemArray()[0]);
+    key(Qt::Key_A);
+    click({400, 300});
+    click(text->center(), 2);
+    QInputMethodEvent composed(QStringLiteral("ni"), {});
+    QCoreApplication::sendEvent(text->textView(), &composed);
+    click({400, 300});  // ends the composition, which stays
+    EXPECT_EQ(text->contentString(), "ani");
+    EXPECT_TRUE(view().undo());
+    EXPECT_EQ(text->contentString(), "a");
+    EXPECT_TRUE(view().redo());
+    EXPECT_EQ(text->contentString(), "ani");
+    click(text->center(), 2);
+    view().undo();  // within the next edit: the press, then the text
+    view().undo();
+    EXPECT_EQ(text->contentString(), "a");
+    click({400, 300});
+    EXPECT_TRUE(view().redo());
+    EXPECT_EQ(text->contentString(), "ani");
+}
+
+TEST_P(Canvas, AHandleThatWasOnlyPressedLeavesTheItemAsItWas) {
+    const auto rect = draw(VLEditGraphTypeRoundRect, {{100, 100}, {300, 250}});
+    view().setFocusItem(rect);
+    vorla::test::runPending();
+    click({300, 100});
+    click({100, 100});
+    drag({{300, 250}, {320, 260}});
+    EXPECT_EQ(rect->size(), (VLSize{220, 160}));
+    view().undo();
+    EXPECT_EQ(rect->size(), (VLSize{200, 150}));
 }
 
 /// One step of each kind; all taken back and done again produces the same pictures byte for byte.
