@@ -22,9 +22,11 @@ QRectF painterRect(const VLRect& r) {
     return {r.x, r.y, r.width, r.height};
 }
 
-QString coordinatesText(VLPoint point) {
-    QString text =
-        QString::fromStdString(vorla::Bundle::framework().localizedString("坐标：(%d,%d)"));
+QString coordinatesFormat() {
+    return QString::fromStdString(vorla::Bundle::framework().localizedString("坐标：(%d,%d)"));
+}
+
+QString coordinatesText(QString text, VLPoint point) {
     for (const double value : {point.x, point.y})
         if (const auto place = text.indexOf(u"%d"); place >= 0)
             text.replace(place, 2, QString::number(static_cast<int>(value)));
@@ -34,9 +36,8 @@ QString coordinatesText(VLPoint point) {
 /// One typeface for both lines: where the coordinates are written in Chinese, the Latin letters and
 /// digits are those of the Chinese font. Unhinted, which keeps weight and spacing even at this
 /// size.
-QFont lineFont() {
+QFont lineFont(const QString& sample) {
     QFont font = VLThemedFont{QStringLiteral("Helvetica"), 11.0}.font();
-    const QString sample = coordinatesText({});
     const bool isChinese =
         std::ranges::any_of(sample, [](QChar c) { return c.script() == QChar::Script_Han; });
     if (isChinese) font.setFamilies({font.families().last()});
@@ -44,17 +45,14 @@ QFont lineFont() {
     return font;
 }
 
-/// The rectangle of a line of text, centred in the view's width.
-VLRect lineRect(const QString& text, const QFont& font, double y) {
-    const VLSize size = vorla::textSize(text, font);
-    return {(MagnifierViewWidth - size.width) / 2.0, y, size.width, size.height};
-}
-
 }  // namespace
 
 VLCaptureMagnifierView::VLCaptureMagnifierView(const QImage& screenImage, const VLRect& screenFrame,
                                                QWidget* superview)
-    : VLView({0.0, 0.0, MagnifierViewWidth, MagnifierViewHeight}, superview), font_(lineFont()) {
+    : VLView({0.0, 0.0, MagnifierViewWidth, MagnifierViewHeight}, superview),
+      coordinatesFormat_(coordinatesFormat()),
+      mouseInfo_(lineFont(coordinatesFormat_)),
+      colorInfo_(lineFont(coordinatesFormat_)) {
     // The pointer is next to the view and may pass through it when it is fast: it is the surface's.
     setAttribute(Qt::WA_TransparentForMouseEvents);
     configAppearanceAndLayout();
@@ -82,8 +80,14 @@ void VLCaptureMagnifierView::setMouseLocation(VLPoint location) {
     // The pointer is in the middle of a pixel; the view is sharp, and fast, on whole ones.
     const VLPoint origin = adjustFrameOriginByMouseLocation(location);
     const double scale = backingScale();
+    const VLRect before = frame();
     setFrameOrigin({std::floor(origin.x * scale) / scale, std::floor(origin.y * scale) / scale});
     setNeedsDisplay();
+    // One piece costs less, here and in the server, than the three that two places make which
+    // overlap.
+    const VLRect both = before.united(frame());
+    if (superview() && isVisible() && both.width * both.height < 2.0 * before.width * before.height)
+        superview()->setNeedsDisplayInRect(both);
 }
 
 void VLCaptureMagnifierView::updateImageOrigin(VLPoint location) {
@@ -91,11 +95,8 @@ void VLCaptureMagnifierView::updateImageOrigin(VLPoint location) {
         location.y > screenFrame_.height)
         return;
     imageOrigin_ = location;
-    mouseInfoStr_ = coordinatesText(location);
-    mouseInfoRect_ = lineRect(mouseInfoStr_, font_, mouseInfoY);
-    const QColor color = getColorValueByPoint(location);
-    colorInfoStr_ = QStringLiteral("RGB:") + color.name(QColor::HexRgb);
-    colorInfoRect_ = lineRect(colorInfoStr_, font_, colorInfoY);
+    mouseInfo_.setText(coordinatesText(coordinatesFormat_, location));
+    colorInfo_.setText(QStringLiteral("RGB:") + getColorValueByPoint(location).name());
 }
 
 QColor VLCaptureMagnifierView::getColorValueByPoint(VLPoint point) const {
@@ -168,13 +169,15 @@ void VLCaptureMagnifierView::drawRect(QPainter& painter, const VLRect& /*dirtyRe
         const VLRect across{imageArea.x, imageArea.midY() - 1.0, imageArea.width, 1.0};
         const VLRect upright{imageArea.midX() - 0.5, imageArea.y, 1.0, imageArea.height};
         // A dark seam sets the cross off from a picture of its own tone.
-        painter.setClipRect(painterRect(imageArea));
         for (const VLRect& line : {across.insetBy(0.0, -1.0), upright.insetBy(-1.0, 0.0)})
             painter.fillRect(painterRect(line), QColor(0, 0, 0, 90));
         for (const VLRect& line : {across, upright})
             painter.fillRect(painterRect(line), magnifierCrossColor_);
-        painter.setClipping(false);
     }
-    vorla::drawText(painter, mouseInfoStr_, font_, magnifierFontColor_, mouseInfoRect_.origin());
-    vorla::drawText(painter, colorInfoStr_, font_, magnifierFontColor_, colorInfoRect_.origin());
+    const auto drawLine = [&](const vorla::ChangingLine& line, double y) {
+        line.draw(painter, magnifierFontColor_,
+                  {(MagnifierViewWidth - line.size().width) / 2.0, y});
+    };
+    drawLine(mouseInfo_, mouseInfoY);
+    drawLine(colorInfo_, colorInfoY);
 }

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <QColor>
-#include <QFont>
 #include <QImage>
 #include <QString>
 
+#include "platform/view/ChangingLine.h"
 #include "platform/view/VLView.h"
 
 inline constexpr double MagnifierViewWidth = 110.0;
@@ -31,8 +31,8 @@ class VLCaptureMagnifierView : public VLView {
     void setMouseLocation(VLPoint location);
 
     [[nodiscard]] VLPoint imageOrigin() const { return imageOrigin_; }
-    [[nodiscard]] const QString& mouseInfoStr() const { return mouseInfoStr_; }
-    [[nodiscard]] const QString& colorInfoStr() const { return colorInfoStr_; }
+    [[nodiscard]] const QString& mouseInfoStr() const { return mouseInfo_.text(); }
+    [[nodiscard]] const QString& colorInfoStr() const { return colorInfo_.text(); }
 
     /// Where the view goes for a pointer: the first free place of left below, right below, right
     /// above, left above; the pointer itself if none is wholly on the screen.
@@ -55,11 +55,10 @@ class VLCaptureMagnifierView : public VLView {
     VLRect screenFrame_;
     VLPoint mouseLocation_;
     VLPoint imageOrigin_;
-    QFont font_;
-    QString mouseInfoStr_;
-    QString colorInfoStr_;
-    VLRect mouseInfoRect_;
-    VLRect colorInfoRect_;
+    /// The coordinates' text in the user's language, with a place for each number.
+    QString coordinatesFormat_;
+    vorla::ChangingLine mouseInfo_;
+    vorla::ChangingLine colorInfo_;
     QColor magnifierCrossColor_;
     QColor magnifierBackgroundColor_;
     QColor magnifierInfoBackgroundColor_;
