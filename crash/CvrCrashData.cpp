@@ -6,6 +6,7 @@
 #include "crash/handler/CaughtReport.h"
 #include "crash/handler/FaultHandler.h"
 #include "crash/handler/SessionState.h"
+#include "platform/base/VLLog.h"
 #include "platform/base/raii.h"
 
 namespace {
@@ -69,6 +70,7 @@ void CvrCrashData::addSceneValue(const std::string& value, const std::string& fo
         return;
     }
     if (!isSceneKey(forKey)) return;
+    const vorla::LogHold hold;
     const std::lock_guard lock(mutex_);
     if (sceneData_.size() >= kMostScenes) {
         CvrLogWarn("<WARN> CVR: scene key-value data size[%zu] out of limit count [15]",

@@ -3,6 +3,7 @@
 #include "crash/CvrLog.h"
 #include "crash/handler/AlternateStack.h"
 #include "crash/handler/FaultHandler.h"
+#include "platform/base/VLLog.h"
 
 CvrSigHandler& CvrSigHandler::sharedInstance() {
     static vorla::NoDestructor<CvrSigHandler> instance;
@@ -15,6 +16,7 @@ void CvrSigHandler::enableHandler(bool enable) {
 }
 
 bool CvrSigHandler::install() {
+    const vorla::LogHold hold;
     const std::lock_guard lock(mutex_);
     if (!handlerEnable_) {
         CvrLogWarn("<WARN> CVR: signal handler disable");
@@ -32,6 +34,7 @@ bool CvrSigHandler::install() {
 }
 
 bool CvrSigHandler::uninstall() {
+    const vorla::LogHold hold;
     const std::lock_guard lock(mutex_);
     if (!vorla::crash::areSignalHandlersSet()) {
         CvrLogError("<ERROR> CVR: sighandler already uninstalled");

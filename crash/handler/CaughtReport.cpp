@@ -1,6 +1,9 @@
 #include "crash/handler/CaughtReport.h"
 
+#include <unistd.h>
+
 #include <array>
+#include <atomic>
 #include <ctime>
 #include <mutex>
 
@@ -18,6 +21,10 @@ constexpr size_t largestStack = size_t{256} << 10;
 struct Reporting {
     std::mutex mutex;
     Arena arena;
+    /// The thread that reports at present.
+    std::atomic<pid_t> reporter{0};
+    /// Of its own lock: the host's function may ask for it in the midst of a report.
+    std::mutex latestMutex;
     LatestCaught latest;
 };
 
@@ -26,6 +33,21 @@ struct StateInUse {
     ~StateInUse() { --publishedStateUsers; }
     StateInUse(const StateInUse&) = delete;
     StateInUse& operator=(const StateInUse&) = delete;
+};
+
+/// One report at a time.
+class Turn {
+ public:
+    explicit Turn(Reporting& state) : state_(state), lock_(state.mutex) {
+        state_.reporter = ::gettid();
+    }
+    ~Turn() { state_.reporter = 0; }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+ private:
+    Reporting& state_;
+    const std::lock_guard<std::mutex> lock_;
 };
 
 Reporting& reporting() {
@@ -51,7 +73,8 @@ void collectOwnAndOthers(CollectedCrash& crash, bool others) {
 
 bool reportCaught(const CaughtFacts& caught) {
     Reporting& state = reporting();
-    const std::lock_guard lock(state.mutex);
+    if (state.reporter == ::gettid()) return false;
+    const Turn turn(state);
     const StateInUse inUse;
     const CvrPreparedCrash* const prepared = sessionState().prepared.get();
     if (!prepared || !state.arena.reserve(arenaSize)) return false;
@@ -78,7 +101,11 @@ bool reportCaught(const CaughtFacts& caught) {
     facts.prepared = prepared;
     facts.localTime = &localTime;
     facts.callStack = stack.view();
-    state.latest = {std::string(caught.type), std::string(caught.error), std::string(stack.view())};
+    {
+        const std::lock_guard lock(state.latestMutex);
+        state.latest = {std::string(caught.type), std::string(caught.error),
+                        std::string(stack.view())};
+    }
     KeptRecord record;
     keepCrash(facts, false, record, state.arena);
     state.arena.discard();
@@ -87,7 +114,7 @@ bool reportCaught(const CaughtFacts& caught) {
 
 LatestCaught latestCaught() {
     Reporting& state = reporting();
-    const std::lock_guard lock(state.mutex);
+    const std::lock_guard lock(state.latestMutex);
     return state.latest;
 }
 

@@ -17,6 +17,7 @@ struct CaughtFacts {
 
 /// Stores a record of the error in the way of a crash. Ordinary code, one at a time. Threads are
 /// held still only while the signal handlers are in place, which guard the walk of their stacks.
+/// False, with nothing stored, for an error that is reported by who hears of another one.
 bool reportCaught(const CaughtFacts& facts);
 
 /// The latest caught error; empty texts before the first one.

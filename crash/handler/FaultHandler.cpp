@@ -280,7 +280,14 @@ bool setSignalHandlers() {
         taken[i] = true;
     }
     handlingThread = 0;
-    crashOver = false;
+    // A host that has lived through a crash, and installs again, starts afresh.
+    if (crashOver.exchange(false)) {
+        crashCount = 0;
+        keptRecord.clear();
+        present = {};
+        firstCrash = nullptr;
+        arena.discard();
+    }
     installed = true;
     return true;
 }

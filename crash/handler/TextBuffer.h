@@ -30,7 +30,10 @@ class TextBuffer {
 
     [[nodiscard]] std::string_view view() const { return {memory_.data(), length_}; }
     [[nodiscard]] size_t length() const { return length_; }
-    void clear() { length_ = 0; }
+    void clear() {
+        length_ = 0;
+        full_ = false;
+    }
 
  private:
     TextBuffer& number(int64_t value, size_t width, char fill);

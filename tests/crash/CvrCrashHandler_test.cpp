@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 
+#include <vorla/CrashReporter.h>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -247,7 +248,15 @@ TEST(CaughtErrors, LeaveARecordAndLetTheProcessLive) {
         });
     for (int i = 0; i < 20; ++i)
         EXPECT_TRUE(CaughtError(std::out_of_range("too far"), "while counting").throwException());
+    // What the host's function asks and reports in the midst of it neither waits nor counts.
+    static std::string heard;
+    exp_call_back_func = [] {
+        heard = CvrCrashData::type();
+        EXPECT_FALSE(CaughtError("Another", "", "", "").throwException());
+    };
     EXPECT_TRUE(CaughtError("Error", "reason", "the host's stack", "").throwException());
+    exp_call_back_func = nullptr;
+    EXPECT_EQ(heard, "Error");
     done = true;
     busy.clear();
     CvrCrashHandler::sharedInstance().uninstallHandler();
