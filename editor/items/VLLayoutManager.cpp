@@ -1,6 +1,7 @@
 #include "editor/items/VLLayoutManager.h"
 
 #include <QAbstractTextDocumentLayout>
+#include <QCache>
 #include <QGlyphRun>
 #include <QHash>
 #include <QPainter>
@@ -11,6 +12,7 @@
 #include <QTextLayout>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "theme/VLCaptureThemeManager.h"
 
@@ -40,15 +42,21 @@ bool hasPictures(const QRawFont& font) {
     return has;
 }
 
-/// Whether a character, with all that combines with it, is drawn by a font of pictures.
+/// Whether a character, with all that combines with it, is drawn by a font of pictures. To lay it
+/// out takes milliseconds, and each change of a text asks for all its characters.
 bool isPicture(const QString& character, const QFont& font) {
     if (std::none_of(character.begin(), character.end(), mayBePicture)) return false;
+    static QCache<QString, bool> known(4096);
+    const QString key = character + QChar(QChar::Null) + font.family();
+    if (const bool* found = known.object(key)) return *found;
     QTextLayout layout(character, font);
     layout.beginLayout();
     layout.createLine();
     layout.endLayout();
     const QList<QGlyphRun> runs = layout.glyphRuns();
-    return !runs.isEmpty() && hasPictures(runs.first().rawFont());
+    const bool is = !runs.isEmpty() && hasPictures(runs.first().rawFont());
+    known.insert(key, new bool(is));
+    return is;
 }
 
 }  // namespace
@@ -101,6 +109,8 @@ void VLLayoutManager::chooseGlyphDrawing() {
     };
     QTextCursor cursor(&document_);
     QTextBoundaryFinder characters(QTextBoundaryFinder::Grapheme, text);
+    // One step for all: at its end the document says that it has changed, which leads here again.
+    bool isOpen = false;
     qsizetype begin = 0;
     for (qsizetype end = characters.toNextBoundary(); end > begin;
          begin = end, end = characters.toNextBoundary()) {
@@ -108,10 +118,10 @@ void VLLayoutManager::chooseGlyphDrawing() {
         cursor.setPosition(static_cast<int>(begin));
         cursor.setPosition(static_cast<int>(end), QTextCursor::KeepAnchor);
         if (picture == isDrawnAsPicture(cursor)) continue;
-        cursor.joinPreviousEditBlock();
+        if (!std::exchange(isOpen, true)) cursor.joinPreviousEditBlock();
         cursor.setCharFormat(picture ? QTextCharFormat() : outlineFormat());
-        cursor.endEditBlock();
     }
+    if (isOpen) cursor.endEditBlock();
 }
 
 void VLLayoutManager::updateLayout() {
