@@ -69,7 +69,9 @@ class X11PanelSurface::Watch : public QAbstractNativeEventFilter {
             case XCB_CONFIGURE_NOTIFY: {
                 const auto* moving = reinterpret_cast<const xcb_configure_notify_event_t*>(event);
                 moved(moving->window, moving->override_redirect);
-                break;
+                // Told to the root because we asked: the toolkit takes it for a change of the
+                // screens, and reads all of them anew.
+                return moving->event != moving->window;
             }
             case XCB_EXPOSE:
                 return isAnswered(reinterpret_cast<const xcb_expose_event_t*>(event)->window,
