@@ -28,7 +28,9 @@ void loadLook() {
     const auto label =
         VLCaptureThemeManager::sharedInstance().themedFontWithKey("VLCaptureSizeinfoView_Font");
     vorla::textSize(QStringLiteral("0123456789"), label.value_or(VLThemedFont{}).font());
-    VLCaptureMagnifierView(QImage(), {}).setMouseLocation({});
+    VLCaptureMagnifierView magnifier({}, {});
+    magnifier.setMouseLocation({});
+    static_cast<void>(magnifier.grab());
 }
 
 VLCaptureError start(const std::shared_ptr<VLCaptureRequest>& request, VLCaptureEndHandler ended,

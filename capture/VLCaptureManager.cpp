@@ -76,7 +76,8 @@ void VLCaptureManager::setPanelsShownHandler(std::function<void(int)> handler) {
 
 // Start ----------------------------------------------------------------------------------------
 
-VLCaptureError VLCaptureManager::obstacle(bool hasRequest, vorla::MainLoop loop) const {
+VLCaptureError VLCaptureManager::obstacle(bool hasRequest, vorla::MainLoop loop,
+                                          std::vector<vorla::Display>& screens) const {
     if (isCapturing_) {
         VLLog("<VLCaptureManager> startCaptureByRequest - 已有截图任务正在进行");
         return VLCaptureErrorAlreadyCapturing;
@@ -85,10 +86,12 @@ VLCaptureError VLCaptureManager::obstacle(bool hasRequest, vorla::MainLoop loop)
     VLCaptureError error = VLCaptureErrorNone;
     if (!hasRequest)
         error = VLCaptureErrorNoRequest;
-    else if (!server || server->displays().empty())
+    else if (!server)
         error = VLCaptureErrorNoDisplayServer;
-    else if (error = vorla::ensureApplication(loop); error == VLCaptureErrorNone)
-        error = server->obstacle();
+    else if (error = vorla::ensureApplication(loop); error == VLCaptureErrorNone) {
+        screens = server->displays();
+        error = screens.empty() ? VLCaptureErrorNoDisplayServer : server->obstacle();
+    }
     if (error != VLCaptureErrorNone)
         VLLogError("<VLCaptureManager> startCaptureByRequest - %s", VLCaptureErrorText(error));
     return error;
@@ -97,7 +100,8 @@ VLCaptureError VLCaptureManager::obstacle(bool hasRequest, vorla::MainLoop loop)
 VLCaptureError VLCaptureManager::startCaptureByRequest(
     const std::shared_ptr<VLCaptureRequest>& request, VLCaptureEndHandler ended,
     vorla::MainLoop loop) {
-    const VLCaptureError error = obstacle(request != nullptr, loop);
+    std::vector<vorla::Display> screens;
+    const VLCaptureError error = obstacle(request != nullptr, loop, screens);
     setLastError(error);
     if (error != VLCaptureErrorNone) {
         vorla::fireStatisticEvent(VLStatEventStart);
@@ -110,7 +114,7 @@ VLCaptureError VLCaptureManager::startCaptureByRequest(
     request_ = request;
     delegate_ = request->delegate();
     ended_ = std::move(ended);
-    screens_ = WindowServer::shared()->displays();
+    screens_ = std::move(screens);
     panelsAwaited_ = screens_.size();
     for (const auto& screen : screens_) {
         VLLog("获取屏幕数:%zu", screens_.size());
@@ -123,7 +127,7 @@ VLCaptureError VLCaptureManager::startCaptureByRequest(
 
 void VLCaptureManager::offerSwitch() {
     std::vector<VLSwitchMangager::Screen> bars;
-    for (const auto& screen : WindowServer::shared()->displays())
+    for (const auto& screen : screens_)
         bars.push_back({screen.frame.size(),
                         [manager = weak_from_this(), displayID = screen.displayID]() -> VLPanel* {
                             const auto self = manager.lock();
@@ -172,9 +176,13 @@ void VLCaptureManager::openPanel(uint32_t displayID) {
     if (found == windowControllers_.end()) return;
     const auto controller = *found;
     controller->openPanel();
-    // Before any panel covers them, and as late as that allows: it keeps the server busy.
-    if (const auto server = WindowServer::shared(); server && !std::exchange(windowsKept_, true))
+    const auto server = WindowServer::shared();
+    if (server && !std::exchange(windowsKept_, true)) {
         server->keepWindows();
+        // No panel may be seen before every screen has its picture. What has come of this one is
+        // painted while the server still works.
+        server->finish([&controller] { return controller->paintAhead(); });
+    }
     controller->setDelegate(weak_from_this());
     controller->setPaintedHandler([manager = weak_from_this()] {
         if (const auto self = manager.lock()) self->panelWasPainted();
@@ -183,14 +191,16 @@ void VLCaptureManager::openPanel(uint32_t displayID) {
 }
 
 /// Counting writes a file, which takes longer than all else on a busy disk: not before the panels
-/// are up.
+/// are up and the host has heard of it.
 void VLCaptureManager::countStart() {
     if (!std::exchange(startCounted_, true)) vorla::fireStatisticEvent(VLStatEventStart);
 }
 
 void VLCaptureManager::panelWasPainted() {
     if (--panelsAwaited_ != 0) return;
-    countStart();
+    vorla::MainQueue::post([manager = weak_from_this()] {
+        if (const auto self = manager.lock()) self->countStart();
+    });
     // A copy: the handler may set another one.
     if (const auto handler = panelsShownHandler())
         handler(static_cast<int>(windowControllers_.size()));

@@ -82,8 +82,9 @@ class VLCaptureManager : public VLCaptureWindowControllerDelegate,
     VLCaptureManager();
     static std::shared_ptr<VLCaptureManager>& shared();
 
-    /// Why this cannot be started; logged.
-    [[nodiscard]] VLCaptureError obstacle(bool hasRequest, vorla::MainLoop loop) const;
+    /// Why this cannot be started; logged. If it can, `screens` are those to be captured.
+    [[nodiscard]] VLCaptureError obstacle(bool hasRequest, vorla::MainLoop loop,
+                                          std::vector<vorla::Display>& screens) const;
     /// Reports the end to whoever started the session; does nothing the second time.
     void tellEnd(const VLCaptureOutcome& outcome);
     void captureFrame(const VLRect& frame, const vorla::Display& screen);

@@ -80,12 +80,12 @@ void VLCaptureWindow::keepReady(const std::vector<vorla::Display>& screens) {
     numberKeptReady = screens.size();
     while (spares().size() < numberKeptReady) {
         auto panel = std::unique_ptr<VLCaptureWindow>(new VLCaptureWindow);
-        panel->observers_.clear();
-        panel->shelve();
         const vorla::Display& display = screens[spares().size()];
         if (QScreen* screen = toolkitScreen(display))
             panel->coverScreen(screen, nativeRect(display));
-        panel->prepareBackingStore();
+        panel->rehearse();
+        panel->observers_.clear();
+        panel->shelve();
         spares().push_back(panel.release());
     }
 }

@@ -54,7 +54,7 @@ void VLCaptureWindowController::openPanel() {
         window_->setContentView(captureViewController_->view());
         // Before the panel is shown, so that its first picture holds all there is.
         captureViewController_->captureView()->pointerIsAt(
-            vorla::pointerLocationInWindow(*window_));
+            pointer_ ? *pointer_ : vorla::pointerLocationInWindow(*window_));
     }
     observers_.observe(NotificationCaptureDidCancel,
                        [this](const Notification&) { captureDidCancel(); });
@@ -71,9 +71,12 @@ void VLCaptureWindowController::handleChangeThemeNotification() {
     if (captureViewController_) captureViewController_->configAppearanceAndLayout();
 }
 
+bool VLCaptureWindowController::paintAhead() {
+    return window_ && window_->paintAhead();
+}
+
 void VLCaptureWindowController::becomeActive() {
     if (!window_) return;
-    window_->paintAhead();
     window_->makeKeyAndOrderFront();
     window_->orderFrontRegardless();
     VLLog("<VLCaptureWindowController> %s", __func__);
@@ -99,20 +102,26 @@ std::shared_ptr<VLCaptureWindowInfo> VLCaptureWindowController::recordOfWindow(
     info->name = window.ownerName;
     info->scaleFactor = scaleFactor_;
     info->displayID = displayID_;
-    info->frozenScreen = frozen_.image();
+    // Read when the panels are up at the earliest, and then it is complete.
+    info->frozenScreen = frozen_.imageDownTo(0);
     return info;
 }
 
 std::vector<std::shared_ptr<VLCaptureWindowInfo>>
 VLCaptureWindowController::windowInfoArrayOfScreenFrame(const VLRect& frame) {
     const auto server = WindowServer::shared();
+    // Before the picture is asked for: while the server makes it, it answers nothing else.
+    const std::string activeName = VLCaptureUtilities::getFirstActiveWindowName();
+    if (server) pointer_ = server->pointerLocation(displayID_);
     const auto windows = server ? server->windows(displayID_) : std::nullopt;
     // Right after the list, so that both show the same moment.
-    if (frozen_.isNull()) frozen_ = vorla::FrozenScreen(VLCaptureUtilities::imageOfScreen(screen_));
+    if (frozen_.isNull()) {
+        auto picture = VLCaptureUtilities::imageOfScreen(screen_);
+        frozen_ = vorla::FrozenScreen(std::move(picture.image), std::move(picture.rows));
+    }
     if (!windows) return {};
     VLLog("%s 取得屏幕内(%s)的窗口数为 %zu", __func__, screen_.name.c_str(), windows->size());
     const std::string hostName = vorla::HostIdentity::displayName();
-    const std::string activeName = VLCaptureUtilities::getFirstActiveWindowName();
     bool metKeyWindow = false;
     std::vector<std::shared_ptr<VLCaptureWindowInfo>> records;
     for (const ServerWindow& window : *windows) {

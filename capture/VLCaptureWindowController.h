@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "capture/VLCaptureWindow.h"
@@ -42,6 +43,8 @@ class VLCaptureWindowController : public VLCaptureWindowDelegate,
 
     /// Builds the panel and the surface on it. Without a picture the panel stays empty.
     void openPanel();
+    /// Paints more of the panel before it is shown; false when there is nothing to paint.
+    bool paintAhead();
     /// Shows the panel and gives it the keyboard. The window under the pointer is highlighted.
     void becomeActive();
     void closeWindow();
@@ -85,6 +88,7 @@ class VLCaptureWindowController : public VLCaptureWindowDelegate,
     std::weak_ptr<VLCaptureWindowControllerDelegate> delegate_;
     std::vector<std::shared_ptr<VLCaptureWindowInfo>> windowInfoArray_;
     vorla::FrozenScreen frozen_;
+    std::optional<VLPoint> pointer_;  ///< as the session began
     QPointer<VLCaptureWindow> window_;
     std::shared_ptr<VLCaptureViewController> captureViewController_;
     vorla::NotificationObservers observers_;

@@ -47,16 +47,16 @@ QFont lineFont(const QString& sample) {
 
 }  // namespace
 
-VLCaptureMagnifierView::VLCaptureMagnifierView(const QImage& screenImage, const VLRect& screenFrame,
-                                               QWidget* superview)
+VLCaptureMagnifierView::VLCaptureMagnifierView(vorla::FrozenScreen screen,
+                                               const VLRect& screenFrame, QWidget* superview)
     : VLView({0.0, 0.0, MagnifierViewWidth, MagnifierViewHeight}, superview),
+      screen_(std::move(screen)),
       coordinatesFormat_(coordinatesFormat()),
       mouseInfo_(lineFont(coordinatesFormat_)),
       colorInfo_(lineFont(coordinatesFormat_)) {
     // The pointer is next to the view and may pass through it when it is fast: it is the surface's.
     setAttribute(Qt::WA_TransparentForMouseEvents);
     configAppearanceAndLayout();
-    setScreenImage(screenImage);
     setScreenFrame(screenFrame);
 }
 
@@ -68,10 +68,6 @@ void VLCaptureMagnifierView::configAppearanceAndLayout() {
     magnifierFontColor_ = theme.themedColorWithKey("VLMagnifier_FontColor");
     background_ = {};
     setNeedsDisplay();
-}
-
-void VLCaptureMagnifierView::setScreenImage(const QImage& image) {
-    if (!image.isNull()) screenImage_ = image;
 }
 
 void VLCaptureMagnifierView::setMouseLocation(VLPoint location) {
@@ -96,18 +92,23 @@ void VLCaptureMagnifierView::updateImageOrigin(VLPoint location) {
         return;
     imageOrigin_ = location;
     mouseInfo_.setText(coordinatesText(coordinatesFormat_, location));
-    colorInfo_.setText(QStringLiteral("RGB:") + getColorValueByPoint(location).name());
+}
+
+/// Made where it is drawn: a session places the view before its picture is all there.
+QString VLCaptureMagnifierView::colorInfoStr() const {
+    if (mouseInfo_.text().isEmpty()) return {};
+    return QStringLiteral("RGB:") + getColorValueByPoint(imageOrigin_).name();
 }
 
 QColor VLCaptureMagnifierView::getColorValueByPoint(VLPoint point) const {
-    if (screenImage_.isNull()) return Qt::black;
-    const double scale = screenImage_.devicePixelRatio();
-    const auto within = [](double value, int count) {
-        return std::clamp(static_cast<int>(value), 0, count - 1);
+    if (screen_.isNull()) return Qt::black;
+    const double scale = screen_.scale();
+    const auto within = [](double value, double length) {
+        return std::clamp(static_cast<int>(value), 0, static_cast<int>(std::lround(length)) - 1);
     };
-    return QColor(
-        screenImage_.pixel(within(point.x * scale, screenImage_.width()),
-                           within((screenFrame_.height - point.y) * scale, screenImage_.height())));
+    const int column = within(point.x * scale, screen_.size().width * scale);
+    const int row = within((screenFrame_.height - point.y) * scale, screen_.size().height * scale);
+    return QColor(screen_.imageDownTo(row + 1).pixel(column, row));
 }
 
 VLPoint VLCaptureMagnifierView::adjustFrameOriginByMouseLocation(VLPoint location) const {
@@ -163,7 +164,9 @@ void VLCaptureMagnifierView::drawRect(QPainter& painter, const VLRect& /*dirtyRe
     if (background_.isNull() || background_.devicePixelRatio() != scale)
         background_ = makeBackground(scale);
     vorla::drawImage(painter, background_, bounds());
-    vorla::drawImage(painter, screenImage_, imageArea, sourceRect(), vorla::Interpolation::None);
+    const int lastRow = static_cast<int>((screenFrame_.height - sourceRect().y) * screen_.scale());
+    vorla::drawImage(painter, screen_.imageDownTo(lastRow + 1), imageArea, sourceRect(),
+                     vorla::Interpolation::None);
     painter.setRenderHint(QPainter::Antialiasing, false);
     if (magnifierCrossColor_.isValid()) {
         const VLRect across{imageArea.x, imageArea.midY() - 1.0, imageArea.width, 1.0};
@@ -178,6 +181,7 @@ void VLCaptureMagnifierView::drawRect(QPainter& painter, const VLRect& /*dirtyRe
         line.draw(painter, magnifierFontColor_,
                   {(MagnifierViewWidth - line.size().width) / 2.0, y});
     };
+    colorInfo_.setText(colorInfoStr());
     drawLine(mouseInfo_, mouseInfoY);
     drawLine(colorInfo_, colorInfoY);
 }

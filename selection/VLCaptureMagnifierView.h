@@ -5,6 +5,7 @@
 #include <QString>
 
 #include "platform/view/ChangingLine.h"
+#include "platform/view/FrozenScreen.h"
 #include "platform/view/VLView.h"
 
 inline constexpr double MagnifierViewWidth = 110.0;
@@ -19,11 +20,9 @@ inline constexpr double MinOffsetWithScreenEdge = 15.0;
 class VLCaptureMagnifierView : public VLView {
  public:
     /// `screenFrame` is the surface's frame: its size limits where the view may be placed.
-    VLCaptureMagnifierView(const QImage& screenImage, const VLRect& screenFrame,
+    VLCaptureMagnifierView(vorla::FrozenScreen screen, const VLRect& screenFrame,
                            QWidget* superview = nullptr);
 
-    /// A null image leaves the present one.
-    void setScreenImage(const QImage& image);
     void setScreenFrame(const VLRect& frame) { screenFrame_ = frame; }
 
     /// Shows what is around a point of the surface and places the view next to it. Outside of the
@@ -32,7 +31,8 @@ class VLCaptureMagnifierView : public VLView {
 
     [[nodiscard]] VLPoint imageOrigin() const { return imageOrigin_; }
     [[nodiscard]] const QString& mouseInfoStr() const { return mouseInfo_.text(); }
-    [[nodiscard]] const QString& colorInfoStr() const { return colorInfo_.text(); }
+    /// Empty before the pointer was on the screen.
+    [[nodiscard]] QString colorInfoStr() const;
 
     /// Where the view goes for a pointer: the first free place of left below, right below, right
     /// above, left above; the pointer itself if none is wholly on the screen.
@@ -51,7 +51,7 @@ class VLCaptureMagnifierView : public VLView {
     [[nodiscard]] QColor getColorValueByPoint(VLPoint point) const;
     [[nodiscard]] QImage makeBackground(double scale) const;
 
-    QImage screenImage_;
+    vorla::FrozenScreen screen_;
     VLRect screenFrame_;
     VLPoint mouseLocation_;
     VLPoint imageOrigin_;

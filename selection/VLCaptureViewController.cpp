@@ -52,7 +52,7 @@ void VLCaptureViewController::setupCaptureView(const VLRect& frame) {
 }
 
 void VLCaptureViewController::setupMagnifierViewWithScreenImage(const VLRect& frame) {
-    magifierView_ = new VLCaptureMagnifierView(frozen_.image(), frame, backgroundImageView_);
+    magifierView_ = new VLCaptureMagnifierView(frozen_, frame, backgroundImageView_);
     magifierView_->hide();
 }
 

@@ -16,12 +16,13 @@ uint32_t VLCaptureUtilities::displayIDofScreen(const vorla::Display& screen) {
     return screen.displayID;
 }
 
-QImage VLCaptureUtilities::imageOfScreen(const vorla::Display& screen) {
+vorla::ArrivingImage VLCaptureUtilities::imageOfScreen(const vorla::Display& screen) {
     if (screen.displayID == 0 || screen.frame.isEmpty()) {
         VLLogError("%s: \"%s\" is no screen", __func__, screen.name.c_str());
         return {};
     }
-    return imageOfDisplay(screen.displayID, {0.0, 0.0, screen.frame.width, screen.frame.height});
+    const auto server = WindowServer::shared();
+    return server ? server->arrivingImageOfDisplay(screen.displayID) : vorla::ArrivingImage();
 }
 
 QImage VLCaptureUtilities::imageOfDisplay(uint32_t displayID, const VLRect& withSelectedRect) {

@@ -17,8 +17,9 @@ class VLCaptureUtilities {
     [[nodiscard]] static bool isScreenHighResolution(const vorla::Display& screen);
     [[nodiscard]] static uint32_t displayIDofScreen(const vorla::Display& screen);
 
-    /// The whole display as the window server shows it now; null (and a log line) when it is gone.
-    [[nodiscard]] static QImage imageOfScreen(const vorla::Display& screen);
+    /// The whole display as the window server shows it now, of which rows may still be on their
+    /// way; null (and a log line) when it is gone.
+    [[nodiscard]] static vorla::ArrivingImage imageOfScreen(const vorla::Display& screen);
     /// A rectangle of a display, local to it and in points, made whole outwards; null when nothing
     /// of it can be had.
     [[nodiscard]] static QImage imageOfDisplay(uint32_t displayID, const VLRect& withSelectedRect);

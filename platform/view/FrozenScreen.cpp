@@ -35,17 +35,15 @@ Canvas canvasOf(const QPainter& painter) {
     return {image, QPointF(transform.dx(), transform.dy()).toPoint()};
 }
 
-void copyRows(const PixelTarget& target, const QImage& source, const QRect& rect,
+void copyRows(const PixelTarget& target, const FrozenScreen& source, const QRect& rect,
               const QColor& dim) {
-    if (dim.isValid())
-        copyDimmed(source, rect, dim, target);
-    else
-        copyPixels(source, rect, target);
+    copyDimmed(source.imageDownTo(rect.bottom() + 1), rect,
+               dim.isValid() ? dim : QColor(Qt::transparent), target);
 }
 
 /// Large pieces go to all processors: dimming a whole screen takes longer on one than all else that
 /// a session does until it is seen.
-void copyInto(QImage& image, QPoint at, const QImage& source, const QRect& rect,
+void copyInto(QImage& image, QPoint at, const FrozenScreen& source, const QRect& rect,
               const QColor& dim) {
     constexpr int rowsAtATime = 64;
     constexpr int worthSharing = 1 << 20;
@@ -66,7 +64,8 @@ void copyInto(QImage& image, QPoint at, const QImage& source, const QRect& rect,
                    });
 }
 
-void drawInStrips(QPainter& painter, const QImage& source, const QRect& rect, const QColor& dim) {
+void drawInStrips(QPainter& painter, const FrozenScreen& source, const QRect& rect,
+                  const QColor& dim) {
     QImage strip(rect.width(), std::min(stripRows, rect.height()), QImage::Format_RGB32);
     if (strip.isNull()) return;
     for (int y = rect.top(); y <= rect.bottom(); y += stripRows) {
@@ -86,12 +85,12 @@ void FrozenScreen::draw(QPainter& painter, const QRegion& devicePixels, const QC
     const Canvas canvas = canvasOf(painter);
     for (const QRect& rect : devicePixels& image_.rect()) {
         if (!canvas.image) {
-            drawInStrips(painter, image_, rect, dim);
+            drawInStrips(painter, *this, rect, dim);
             continue;
         }
         const QRect fits = rect.translated(canvas.origin) & canvas.image->rect();
         if (!fits.isEmpty())
-            copyInto(*canvas.image, fits.topLeft(), image_, fits.translated(-canvas.origin), dim);
+            copyInto(*canvas.image, fits.topLeft(), *this, fits.translated(-canvas.origin), dim);
     }
 }
 

@@ -10,6 +10,8 @@ namespace {
 class PlainPanelSurface : public PanelSurface {
  public:
     void begin(std::function<void()> /*landedOnTop*/) override {}
+    bool keepPixels(VLPanel& /*panel*/) override { return false; }
+    void dropPixels(VLPanel& /*panel*/) override {}
     void coverScreen(VLPanel& /*panel*/, const QRect& /*nativeFrame*/) override {}
     void becomeKey(VLPanel& panel) override { panel.activateWindow(); }
     void wasPainted(VLPanel& /*panel*/) override {}

@@ -23,6 +23,11 @@ class PanelSurface {
     /// Begins a session: notes who has the keyboard, and calls back on the main thread whenever
     /// something foreign may have landed on top of a panel.
     virtual void begin(std::function<void()> landedOnTop) = 0;
+    /// Has the server keep a panel's pixels, also while no screen shows them, until `dropPixels`.
+    /// False where it cannot.
+    virtual bool keepPixels(VLPanel& panel) = 0;
+    virtual void dropPixels(VLPanel& panel) = 0;
+
     /// Puts a shown panel at its exact place: a rectangle in native pixels.
     virtual void coverScreen(VLPanel& panel, const QRect& nativeFrame) = 0;
     virtual void becomeKey(VLPanel& panel) = 0;

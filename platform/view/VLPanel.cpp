@@ -12,6 +12,7 @@
 #include <QTextEdit>
 #include <QTimer>
 #include <QWindow>
+#include <algorithm>
 #include <cmath>
 
 #include "platform/view/PanelStack.h"
@@ -133,15 +134,14 @@ void VLPanel::orderFrontRegardless() {
     if (isVisible()) {
         show();
     } else {
-        paintAhead();
         showPainted();
     }
     vorla::PanelStack::shared().add(this);
 }
 
-/// Shows the panel with the picture that was painted ahead. The toolkit would mark all of it for
-/// painting twice, at once and by posted updates, and wait for the exposure. But the server follows
-/// its orders in turn: the pixels reach a window that is on the screen.
+/// Shows the panel and what has been painted ahead, and paints the rest. The toolkit would mark all
+/// of it for painting twice, at once and by posted updates, and wait for the exposure. But the
+/// server follows its orders in turn: the pixels reach a window that is on the screen.
 void VLPanel::showPainted() {
     setAttribute(Qt::WA_UpdatesDisabled);
     show();
@@ -153,11 +153,24 @@ void VLPanel::showPainted() {
         vorla::PanelStack::shared().surface().coverScreen(*this, nativeFrame_);
     setAttribute(Qt::WA_Mapped);
     awaitsExposure_ = !windowHandle()->isExposed();
-    if (QBackingStore* store = backingStore()) store->flush(rect(), windowHandle());
+    putOnScreen();
     vorla::PanelStack::shared().surface().wasPainted(*this);
     QTimer::singleShot(0, this, [this] {
         if (onFirstPaint) onFirstPaint();
     });
+}
+
+/// The server puts one band on the screen while we paint the next.
+void VLPanel::putOnScreen() {
+    QBackingStore* store = backingStore();
+    if (!store) return;
+    int shown = 0;
+    do {
+        // One row twice: at scales such as 1.25 a band need not end where a device pixel does.
+        const int from = std::max(0, shown - 1);
+        store->flush(QRect(0, from, width(), paintedRows_ - from), windowHandle());
+        shown = paintedRows_;
+    } while (paintBand());
 }
 
 void VLPanel::closePanel() {
@@ -175,6 +188,7 @@ void VLPanel::dispose() {
 }
 
 void VLPanel::shelve() {
+    awaitServer();
     setContentView(nullptr);
     for (const auto& overlay : std::exchange(overlays_, {}))
         if (overlay) overlay->closePanel();
@@ -185,34 +199,59 @@ void VLPanel::shelve() {
 
 void VLPanel::reopen() {
     closed_ = false;
-    painted_ = false;
+    paintedRows_ = 0;
     // The window is the same as before, but the user's clicks on it belong to something else.
     vorla::forgetClicks();
 }
 
-void VLPanel::prepareBackingStore() {
-    winId();
+void VLPanel::rehearse() {
+    while (paintBand()) {
+    }
+    vorla::PanelSurface& surface = vorla::PanelStack::shared().surface();
+    // What lies outside of the screens is not read by the server, unless its pixels are kept.
+    if (surface.keepPixels(*this)) {
+        const QRect place = geometry();
+        const QRect frame = std::exchange(nativeFrame_, {});
+        move(-2 * width(), -2 * height());
+        showPainted();
+        hide();
+        surface.dropPixels(*this);
+        nativeFrame_ = frame;
+        setGeometry(place);
+    }
+    paintedRows_ = 0;
+}
+
+/// Waits until the server has read what it was given, as the toolkit does before the memory is
+/// painted in again: at a session's start the server has other things to do.
+void VLPanel::awaitServer() {
     QBackingStore* store = backingStore();
     if (!store) return;
-    store->resize(size());
     store->beginPaint(rect());
-    if (auto* memory = dynamic_cast<QImage*>(store->paintDevice())) memory->fill(Qt::black);
     store->endPaint();
 }
 
-void VLPanel::paintAhead() {
-    if (closed_ || painted_ || isVisible()) return;
+bool VLPanel::paintAhead() {
+    return !closed_ && !isVisible() && paintBand();
+}
+
+bool VLPanel::paintBand() {
+    // Enough bands to keep the server busy, and enough in each for every processor.
+    constexpr int bandHeight = 256;
+    if (paintedRows_ >= height()) return false;
     winId();
     QBackingStore* store = backingStore();
-    if (!store) return;
+    if (!store) return false;
     if (store->size() != size()) store->resize(size());
-    store->beginPaint(rect());
+    const QRect band(0, paintedRows_, width(), std::min(bandHeight, height() - paintedRows_));
+    store->beginPaint(band);
     {
         QPainter painter(store->paintDevice());
-        render(&painter, {}, rect(), DrawChildren);
+        render(&painter, band.topLeft(), band, DrawChildren);
     }
     store->endPaint();
-    painted_ = true;
+    paintedRows_ += band.height();
+    return true;
 }
 
 // Keys -----------------------------------------------------------------------------------------

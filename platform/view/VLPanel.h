@@ -71,13 +71,15 @@ class VLPanel : public QWidget {
     /// tracked: the view that tracks may well be one of its own.
     void closePanel();
 
-    /// Allocates the memory that the panel is painted in, and touches it: most of the time that a
+    /// Paints the panel, and shows and hides it once where no screen is. The memory that it is
+    /// painted in is then allocated, and touched by us and by the server: most of the time that a
     /// first showing takes goes into that.
-    void prepareBackingStore();
+    void rehearse();
 
-    /// Paints the panel as it is to be shown, which then takes no further painting. Without this
-    /// call, showing paints; here the caller chooses when, say while the server is busy.
-    void paintAhead();
+    /// Paints the next rows of the picture that the panel is to be shown with, while the server is
+    /// busy with something else; false when there are none left. Showing paints the rest, while the
+    /// server puts on the screen what is there.
+    bool paintAhead();
 
     /// Called once, when the panel's first picture has been handed to the screen.
     std::function<void()> onFirstPaint;
@@ -110,7 +112,10 @@ class VLPanel : public QWidget {
 
  private:
     friend class VLOverlayPanel;
+    bool paintBand();
     void showPainted();
+    void putOnScreen();
+    void awaitServer();
     [[nodiscard]] bool routeKeyEquivalent(QKeyEvent& event);
     /// A key on its way to the first responder; true if it went elsewhere.
     bool interceptKey(QKeyEvent& event);
@@ -129,6 +134,6 @@ class VLPanel : public QWidget {
     QPointer<QWidget> firstResponder_;
     bool composing_ = false;
     bool closed_ = false;
-    bool painted_ = false;
+    int paintedRows_ = 0;  ///< of the picture to be shown, in points from the top
     bool awaitsExposure_ = false;
 };

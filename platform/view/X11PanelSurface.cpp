@@ -1,5 +1,7 @@
 #include "platform/view/X11PanelSurface.h"
 
+#include <xcb/composite.h>
+
 #include <QAbstractNativeEventFilter>
 #include <QApplication>
 #include <QElapsedTimer>
@@ -166,6 +168,19 @@ void X11PanelSurface::release() {
     if (!refused) return;
     xcb_set_input_focus(connection_, XCB_INPUT_FOCUS_POINTER_ROOT, XCB_INPUT_FOCUS_POINTER_ROOT,
                         XCB_CURRENT_TIME);
+    xcb_flush(connection_);
+}
+
+bool X11PanelSurface::keepPixels(VLPanel& panel) {
+    const xcb_window_t window = windowOf(panel);
+    const auto* extension = xcb_get_extension_data(connection_, &xcb_composite_id);
+    if (window == XCB_NONE || !extension || !extension->present) return false;
+    xcb_composite_redirect_window(connection_, window, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+    return true;
+}
+
+void X11PanelSurface::dropPixels(VLPanel& panel) {
+    xcb_composite_unredirect_window(connection_, windowOf(panel), XCB_COMPOSITE_REDIRECT_AUTOMATIC);
     xcb_flush(connection_);
 }
 

@@ -17,6 +17,8 @@ class X11PanelSurface : public PanelSurface {
     ~X11PanelSurface() override;
 
     void begin(std::function<void()> landedOnTop) override;
+    bool keepPixels(VLPanel& panel) override;
+    void dropPixels(VLPanel& panel) override;
     void coverScreen(VLPanel& panel, const QRect& nativeFrame) override;
     void becomeKey(VLPanel& panel) override;
     void wasPainted(VLPanel& panel) override;

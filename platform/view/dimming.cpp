@@ -1,6 +1,5 @@
 #include "platform/view/dimming.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -58,27 +57,15 @@ void dimRow(uint32_t* target, const uint32_t* source, int count, const Blend& bl
     for (; i < count; ++i) target[i] = blend.pixel(source[i]);
 }
 
-template <typename Row>
-void forEachRow(const QImage& source, const QRect& rect, const PixelTarget& target, Row row) {
-    for (int y = 0; y < rect.height(); ++y)
-        row(reinterpret_cast<uint32_t*>(target.first + y * target.bytesPerLine),
-            reinterpret_cast<const uint32_t*>(source.constScanLine(rect.y() + y)) + rect.x());
-}
-
 }  // namespace
 
 void copyDimmed(const QImage& source, const QRect& rect, const QColor& color,
                 const PixelTarget& target) {
     const Blend blend(color);
-    forEachRow(source, rect, target,
-               [&](uint32_t* to, const uint32_t* from) { dimRow(to, from, rect.width(), blend); });
-}
-
-void copyPixels(const QImage& source, const QRect& rect, const PixelTarget& target) {
-    forEachRow(source, rect, target, [&](uint32_t* to, const uint32_t* from) {
-        std::transform(from, from + rect.width(), to,
-                       [](uint32_t pixel) { return pixel | 0xff000000U; });
-    });
+    for (int y = 0; y < rect.height(); ++y)
+        dimRow(reinterpret_cast<uint32_t*>(target.first + y * target.bytesPerLine),
+               reinterpret_cast<const uint32_t*>(source.constScanLine(rect.y() + y)) + rect.x(),
+               rect.width(), blend);
 }
 
 }  // namespace vorla

@@ -18,15 +18,12 @@ struct PixelTarget {
           bytesPerLine(image.bytesPerLine()) {}
 };
 
-// Both copy a rectangle (device pixels, y downward, inside the source's bounds) of an opaque 32-bit
-// picture to a target that it must fit into. Without an alpha byte of their own, the pixels come
-// out opaque. Any thread.
-
-/// The pixels blended with a translucent colour on the way: as fast as a plain copy, so that no
-/// dimmed twin of the screen has to be made and kept.
+/// Copies a rectangle (device pixels, y downward, inside the source's bounds) of an opaque 32-bit
+/// picture to a target that it must fit into, blended with a translucent colour on the way: as fast
+/// as a plain copy, so that no dimmed twin of the screen has to be made and kept. A wholly
+/// transparent colour leaves the pixels as they are; without an alpha byte of their own, they come
+/// out opaque. Any thread.
 void copyDimmed(const QImage& source, const QRect& rect, const QColor& color,
                 const PixelTarget& target);
-/// The pixels as they are.
-void copyPixels(const QImage& source, const QRect& rect, const PixelTarget& target);
 
 }  // namespace vorla

@@ -55,6 +55,68 @@ struct GrabSegments::Loan {
     std::unique_ptr<Segment> segment;
 };
 
+/// The answers for one picture, which is asked for in stripes so that the first rows can be used
+/// while the server still copies the last.
+class GrabSegments::Stripes : public ArrivingRows {
+ public:
+    /// Sends the requests. `image` lies on the segment `id` and keeps that from other use.
+    Stripes(std::shared_ptr<X11Connection> connection, xcb_shm_seg_t id, QImage image,
+            const PixelRect& rect, PixelLayout layout)
+        : connection_(std::move(connection)), image_(std::move(image)), layout_(layout) {
+        xcb_connection_t* c = connection_->get();
+        // Nobody draws between two stripes.
+        xcb_grab_server(c);
+        for (int y = 0; y < rect.height; y += rowsAtATime)
+            cookies_.push_back(xcb_shm_get_image(
+                c, connection_->root(), static_cast<int16_t>(rect.x),
+                static_cast<int16_t>(rect.y + y), static_cast<uint16_t>(rect.width),
+                static_cast<uint16_t>(std::min(rowsAtATime, rect.height - y)), ~0U,
+                XCB_IMAGE_FORMAT_Z_PIXMAP, id, static_cast<uint32_t>(y * image_.bytesPerLine())));
+        xcb_ungrab_server(c);
+        xcb_flush(c);
+    }
+    ~Stripes() override {
+        for (; claimed_ < cookies_.size(); ++claimed_)
+            xcb_discard_reply(connection_->get(), cookies_[claimed_].sequence);
+    }
+    Stripes(const Stripes&) = delete;
+    Stripes& operator=(const Stripes&) = delete;
+
+    void await(int count) override {
+        const std::lock_guard lock(mutex_);
+        while (claimed_ < cookies_.size() && arrivedRows() < count) claimNext();
+    }
+
+    /// Waits for one stripe more; false when the server refused it.
+    bool claimNext() {
+        const bool came =
+            connection_->reply(&xcb_shm_get_image_reply, cookies_[claimed_]) != nullptr;
+        const int first = arrivedRows();
+        const size_t count = static_cast<size_t>(std::min(rowsAtATime, image_.height() - first)) *
+                             static_cast<size_t>(image_.width());
+        auto* pixels = reinterpret_cast<uint32_t*>(const_cast<uchar*>(image_.constScanLine(first)));
+        // What did not come shows nothing, rather than what was in the memory before.
+        if (came)
+            finishPixels(pixels, count, layout_, AlphaByte::AsIs);
+        else
+            std::fill_n(pixels, count, 0U);
+        ++claimed_;
+        return came;
+    }
+
+ private:
+    static constexpr int rowsAtATime = 128;
+
+    [[nodiscard]] int arrivedRows() const { return static_cast<int>(claimed_) * rowsAtATime; }
+
+    std::shared_ptr<X11Connection> connection_;
+    QImage image_;
+    PixelLayout layout_;
+    std::mutex mutex_;  ///< guards what follows
+    std::vector<xcb_shm_get_image_cookie_t> cookies_;
+    size_t claimed_ = 0;
+};
+
 GrabSegments::GrabSegments(std::shared_ptr<X11Connection> connection)
     : connection_(std::move(connection)) {}
 
@@ -115,36 +177,34 @@ void GrabSegments::endLoan(void* loan) {
     owned->pool->giveBack(std::move(owned->segment));
 }
 
-QImage GrabSegments::grab(const PixelRect& rect, bool whole) {
+QImage GrabSegments::lend(std::unique_ptr<Segment> segment, const PixelRect& rect,
+                          PixelLayout layout) {
+    auto* memory = reinterpret_cast<uchar*>(segment->pixels());
+    auto loan = std::make_unique<Loan>(Loan{shared_from_this(), std::move(segment)});
+    return QImage(memory, rect.width, rect.height, rect.width * 4, imageFormatOf(layout), &endLoan,
+                  loan.release());
+}
+
+ArrivingImage GrabSegments::begin(const PixelRect& rect, double scale) {
     const std::shared_ptr<X11Connection> connection = connection_;
     if (!connection) return {};
     const PixelLayout layout = connection->layoutOf(connection->screen()->root_visual);
     if (layout == PixelLayout::Unsupported) return {};
-    const size_t bytes = static_cast<size_t>(rect.width) * rect.height * 4;
     std::unique_ptr<Segment> segment;
-    if (connection->extensions().sharedMemory) segment = take(bytes);
-    if (!segment) return imageOfDrawable(*connection, connection->root(), rect, layout);
-
-    const auto cookie = xcb_shm_get_image(
-        connection->get(), connection->root(), static_cast<int16_t>(rect.x),
-        static_cast<int16_t>(rect.y), static_cast<uint16_t>(rect.width),
-        static_cast<uint16_t>(rect.height), ~0U, XCB_IMAGE_FORMAT_Z_PIXMAP, segment->id(), 0);
-    if (!connection->reply(&xcb_shm_get_image_reply, cookie)) {
-        giveBack(std::move(segment));
-        return {};
+    if (connection->extensions().sharedMemory)
+        segment = take(static_cast<size_t>(rect.width) * rect.height * 4);
+    if (!segment) {
+        QImage image = imageOfDrawable(*connection, connection->root(), rect, layout);
+        image.setDevicePixelRatio(scale);
+        return {image, nullptr};
     }
-    finishPixels(segment->pixels(), bytes / 4, layout, AlphaByte::AsIs);
-    auto* memory = reinterpret_cast<uchar*>(segment->pixels());
-    const int lineBytes = rect.width * 4;
-    if (!whole) {
-        QImage part =
-            QImage(memory, rect.width, rect.height, lineBytes, imageFormatOf(layout)).copy();
-        giveBack(std::move(segment));
-        return part;
-    }
-    auto loan = std::make_unique<Loan>(Loan{shared_from_this(), std::move(segment)});
-    return QImage(memory, rect.width, rect.height, lineBytes, imageFormatOf(layout), &endLoan,
-                  loan.release());
+    const xcb_shm_seg_t id = segment->id();
+    QImage image = lend(std::move(segment), rect, layout);
+    image.setDevicePixelRatio(scale);  // while nobody shares it
+    const auto stripes = std::make_shared<Stripes>(connection, id, image, rect, layout);
+    // The server refuses all of them or none.
+    if (!stripes->claimNext()) return {};
+    return {image, stripes};
 }
 
 }  // namespace vorla

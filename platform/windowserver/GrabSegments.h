@@ -8,6 +8,7 @@
 #include <mutex>
 #include <vector>
 
+#include "platform/base/ArrivingRows.h"
 #include "platform/windowserver/WindowServer.h"
 #include "platform/windowserver/X11Connection.h"
 
@@ -29,10 +30,10 @@ class GrabSegments : public std::enable_shared_from_this<GrabSegments> {
     /// How many bytes may be kept for later; frees what is above.
     void keepUpTo(size_t bytes);
 
-    /// A picture of a rectangle of the root window, which must lie on it. A picture of a `whole`
-    /// display stays in its segment; a part of one is copied out, so that it does not hold a large
-    /// segment. The alpha byte is left as the server gave it. Null when the server refuses.
-    QImage grab(const PixelRect& rect, bool whole);
+    /// A picture of a rectangle of the root window, which must lie on it, as it looks at one
+    /// moment; the scale is its device pixel ratio. It stays in its segment, and its rows may still
+    /// be on their way. The alpha byte is left as the server gave it. Null when the server refuses.
+    ArrivingImage begin(const PixelRect& rect, double scale);
 
     /// Ends the use of the connection: images that are still out free their memory themselves.
     void close();
@@ -43,9 +44,11 @@ class GrabSegments : public std::enable_shared_from_this<GrabSegments> {
  private:
     class Segment;
     struct Loan;
+    class Stripes;
     static void endLoan(void* loan);
 
     std::unique_ptr<Segment> take(size_t bytes);
+    QImage lend(std::unique_ptr<Segment> segment, const PixelRect& rect, PixelLayout layout);
     void giveBack(std::unique_ptr<Segment> segment);
     void trim();
 

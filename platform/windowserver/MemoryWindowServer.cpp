@@ -68,6 +68,12 @@ QImage MemoryWindowServer::imageOfDisplay(uint32_t displayID, VLRect rect) {
     return image;
 }
 
+ArrivingImage MemoryWindowServer::arrivingImageOfDisplay(uint32_t displayID) {
+    const Display* display = find(displayID);
+    if (display == nullptr) return {};
+    return {imageOfDisplay(displayID, VLRect::make({}, display->frame.size())), nullptr};
+}
+
 QImage MemoryWindowServer::imageOfWindow(uint32_t displayID, uint32_t number, WindowPicture picture,
                                          const QImage&) {
     ++windowGrabs;

@@ -50,6 +50,7 @@ class MemoryWindowServer : public WindowServer {
     std::vector<Display> displays() override { return displays_; }
     std::optional<std::vector<ServerWindow>> windows(uint32_t displayID) override;
     QImage imageOfDisplay(uint32_t displayID, VLRect rect) override;
+    ArrivingImage arrivingImageOfDisplay(uint32_t displayID) override;
     QImage imageOfWindow(uint32_t displayID, uint32_t number, WindowPicture picture,
                          const QImage& fallback) override;
     double alphaAtCentre(uint32_t number) override;

@@ -33,6 +33,12 @@ VLCaptureError WindowServer::obstacle() {
     return VLCaptureErrorNone;
 }
 
+std::optional<VLPoint> WindowServer::pointerLocation(uint32_t /*displayID*/) {
+    return std::nullopt;
+}
+
+void WindowServer::finish(const std::function<bool()>& /*meanwhile*/) {}
+
 std::shared_ptr<WindowServer> WindowServer::shared() {
     if (!instance() || !instance()->isConnected()) instance() = connect();
     return instance();

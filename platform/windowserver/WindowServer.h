@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/base/ArrivingRows.h"
 #include "platform/base/geometry.h"
 
 enum VLCaptureError : int;
@@ -58,6 +59,12 @@ enum class WindowPicture {
     Content,          ///< the client area alone, without the window manager's decorations
 };
 
+/// A picture whose pixels the server may still be writing.
+struct ArrivingImage {
+    QImage image;                        ///< null when it could not be had
+    std::shared_ptr<ArrivingRows> rows;  ///< null when all of them are there
+};
+
 /// What the desktop's window server offers: displays, windows, pictures, and who is active.
 ///
 /// Calls are made on the main thread. All pictures are in device pixels, with the device pixel
@@ -100,6 +107,10 @@ class WindowServer {
     /// cut to the display. A null image for an empty result.
     virtual QImage imageOfDisplay(uint32_t displayID, VLRect rect) = 0;
 
+    /// The same of a whole display, without waiting for all of it: what can be done with the first
+    /// rows is done while the server writes the last. Every row shows the moment of the call.
+    virtual ArrivingImage arrivingImageOfDisplay(uint32_t displayID) = 0;
+
     /// A window's own picture, also where other windows (ours among them) cover it. Where the
     /// server cannot give the covered part, because the owner does not answer, that part shows what
     /// `fallback` shows there: a picture of the whole display taken by `imageOfDisplay` before
@@ -117,6 +128,14 @@ class WindowServer {
     /// shown. `releaseWindows` ends it; both may be repeated.
     virtual void keepWindows() = 0;
     virtual void releaseWindows() = 0;
+
+    /// Waits until the server has done all that it was asked for. Until then `meanwhile` is called
+    /// again and again, as long as it returns true.
+    virtual void finish(const std::function<bool()>& meanwhile);
+
+    /// Where the pointer is, local to the display: the middle of its pixel, which may lie outside.
+    /// Nothing when the server does not tell.
+    virtual std::optional<VLPoint> pointerLocation(uint32_t displayID);
 
     /// Name of the program that has the user's attention, as in `ServerWindow::ownerName`; empty
     /// when there is none.

@@ -40,12 +40,16 @@ uint32_t hashOf(const std::string& text) {
 X11Displays::X11Displays(std::shared_ptr<X11Connection> connection)
     : connection_(std::move(connection)) {}
 
-std::vector<NativeMonitor> X11Displays::readMonitors() {
+X11Displays::MonitorsAsked X11Displays::askMonitors() const {
+    if (!connection_->extensions().monitors) return {};
+    return xcb_randr_get_monitors(connection_->get(), connection_->root(), 1);
+}
+
+std::vector<NativeMonitor> X11Displays::readMonitors(const MonitorsAsked& asked) {
     std::vector<NativeMonitor> monitors;
     xcb_connection_t* c = connection_->get();
-    if (connection_->extensions().monitors) {
-        const auto list = connection_->reply(&xcb_randr_get_monitors_reply,
-                                             xcb_randr_get_monitors(c, connection_->root(), 1));
+    if (asked) {
+        const auto list = connection_->reply(&xcb_randr_get_monitors_reply, *asked);
         if (!list) return monitors;
         for (auto it = xcb_randr_get_monitors_monitors_iterator(list.get()); it.rem > 0;
              xcb_randr_monitor_info_next(&it)) {
@@ -64,11 +68,13 @@ std::vector<NativeMonitor> X11Displays::readMonitors() {
 }
 
 std::vector<Display> X11Displays::read() {
-    const auto root = connection_->reply(&xcb_get_geometry_reply,
-                                         xcb_get_geometry(connection_->get(), connection_->root()));
+    const auto rootAsked = xcb_get_geometry(connection_->get(), connection_->root());
+    const MonitorsAsked monitorsAsked = askMonitors();
+    const auto root = connection_->reply(&xcb_get_geometry_reply, rootAsked);
+    const std::vector<NativeMonitor> listed = readMonitors(monitorsAsked);
     if (!root || !connection_->isAlive()) return {};
     const PixelRect whole{0, 0, root->width, root->height};
-    std::vector<NativeMonitor> monitors = matchMonitors(readMonitors(), toolkitScreens());
+    std::vector<NativeMonitor> monitors = matchMonitors(listed, toolkitScreens());
     if (monitors.empty()) monitors.push_back({"screen", whole});
     std::map<std::string, int> seen;
     for (NativeMonitor& monitor : monitors) {
@@ -85,7 +91,7 @@ std::vector<Display> X11Displays::read() {
 
 bool X11Displays::toolkitAgrees() {
     const std::vector<NativeMonitor> screens = toolkitScreens();
-    const std::vector<NativeMonitor> monitors = readMonitors();
+    const std::vector<NativeMonitor> monitors = readMonitors(askMonitors());
     if (screens.empty() || monitors.empty()) return true;
     const auto isAt = [](const NativeMonitor& screen, const NativeMonitor& monitor) {
         // The toolkit rounds sizes to whole points.

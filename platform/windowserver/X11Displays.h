@@ -1,8 +1,11 @@
 #pragma once
 
+#include <xcb/randr.h>
+
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,7 +32,10 @@ class X11Displays {
     const Display* find(uint32_t displayID);
 
  private:
-    std::vector<NativeMonitor> readMonitors();
+    /// Nothing where the server has no list of monitors.
+    using MonitorsAsked = std::optional<xcb_randr_get_monitors_cookie_t>;
+    [[nodiscard]] MonitorsAsked askMonitors() const;
+    std::vector<NativeMonitor> readMonitors(const MonitorsAsked& asked);
     uint32_t idOf(const std::string& name);
 
     std::shared_ptr<X11Connection> connection_;

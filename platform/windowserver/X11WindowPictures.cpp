@@ -95,19 +95,40 @@ X11WindowPictures::~X11WindowPictures() {
     release();
 }
 
-bool X11WindowPictures::hasCompositor() {
-    const auto owner = connection_->reply(
-        &xcb_get_selection_owner_reply,
-        xcb_get_selection_owner(connection_->get(),
-                                connection_->atom(X11Atom::CompositorSelection)));
-    return owner && owner->owner != XCB_NONE;
+xcb_get_selection_owner_cookie_t X11WindowPictures::askForCompositor() const {
+    return xcb_get_selection_owner(connection_->get(),
+                                   connection_->atom(X11Atom::CompositorSelection));
+}
+
+void X11WindowPictures::hearOfCompositor(xcb_get_selection_owner_cookie_t asked) {
+    const auto owner = connection_->reply(&xcb_get_selection_owner_reply, asked);
+    hasCompositor_ = owner && owner->owner != XCB_NONE;
+}
+
+void X11WindowPictures::prepare() {
+    if (!connection_->extensions().composite) return;
+    xcb_connection_t* c = connection_->get();
+    constexpr uint16_t width = 2000;
+    constexpr xcb_rectangle_t all = {0, 0, width, keptPixels / width};
+    const xcb_gcontext_t context = xcb_generate_id(c);
+    xcb_create_gc(c, context, connection_->root(), 0, nullptr);
+    // An allocator gives what is as large as never before back to the system, and keeps the next.
+    for (int round = 0; round < 2; ++round) {
+        const xcb_pixmap_t pixmap = xcb_generate_id(c);
+        xcb_create_pixmap(c, connection_->screen()->root_depth, pixmap, connection_->root(),
+                          all.width, all.height);
+        xcb_poly_fill_rectangle(c, pixmap, context, 1, &all);
+        xcb_free_pixmap(c, pixmap);
+    }
+    xcb_free_gc(c, context);
+    xcb_flush(c);
 }
 
 void X11WindowPictures::keep(const std::vector<X11Window>& windows,
                              const std::vector<Display>& displays) {
     release();
     isKeeping_ = true;
-    if (!connection_->extensions().composite || hasCompositor()) return;
+    if (!connection_->extensions().composite || hasCompositor_) return;
     const std::vector<Coverage> coverage = coverageOf(windows, displays);
     int64_t pixels = 0;
     for (size_t i = 0; i < windows.size(); ++i) {

@@ -50,6 +50,14 @@ class X11WindowPictures {
     X11WindowPictures(const X11WindowPictures&) = delete;
     X11WindowPictures& operator=(const X11WindowPictures&) = delete;
 
+    /// Has the server touch as much memory as `keep` will need: finding it takes longer than the
+    /// copying.
+    void prepare();
+
+    /// A compositor is looked for beside other questions, before there is anything to keep.
+    [[nodiscard]] xcb_get_selection_owner_cookie_t askForCompositor() const;
+    void hearOfCompositor(xcb_get_selection_owner_cookie_t asked);
+
     /// Begins to keep the contents of the windows of a list (front to back, as the screen shows it
     /// now) that are partly covered: only snap targets, and no more than `keptPixels` altogether,
     /// because the panels that follow wait for the server to copy them. The others are asked for
@@ -84,7 +92,6 @@ class X11WindowPictures {
         bool isRead = false;
     };
 
-    bool hasCompositor();
     Kept& redirect(const X11Window& window);
     void unredirect(xcb_window_t top, const Kept& kept);
     QRegion fetch(xcb_xfixes_region_t region);
@@ -95,6 +102,7 @@ class X11WindowPictures {
     std::unordered_map<xcb_window_t, Kept> kept_;
     std::unordered_map<xcb_window_t, Coverage> coverage_;  ///< by child of the root
     bool isKeeping_ = false;
+    bool hasCompositor_ = false;
 };
 
 }  // namespace vorla

@@ -1,6 +1,7 @@
 #include "platform/windowserver/X11WindowServer.h"
 
 #include <vorla/VLCaptureOutcome.h>
+#include <xcb/xcbext.h>
 
 #include <QGuiApplication>
 #include <algorithm>
@@ -96,13 +97,19 @@ std::vector<Display> X11WindowServer::displays() {
     return readDisplays();
 }
 
+bool X11WindowServer::readList() {
+    const auto compositor = pictures_.askForCompositor();
+    auto list = windowList_.read(displays_.current());
+    pictures_.hearOfCompositor(compositor);
+    if (list) lastList_ = std::move(*list);
+    return list.has_value();
+}
+
 std::optional<std::vector<ServerWindow>> X11WindowServer::windows(uint32_t displayID) {
     const Call call(*this);
     const Display* display = displays_.find(displayID);
     if (display == nullptr) return std::nullopt;
-    auto list = windowList_.read(displays_.current());
-    if (!list) return std::nullopt;
-    lastList_ = std::move(*list);
+    if (!readList()) return std::nullopt;
     std::vector<ServerWindow> windows;
     windows.reserve(lastList_.size());
     for (const X11Window& window : lastList_)
@@ -112,22 +119,35 @@ std::optional<std::vector<ServerWindow>> X11WindowServer::windows(uint32_t displ
     return windows;
 }
 
-QImage X11WindowServer::imageOfDisplay(uint32_t displayID, VLRect rect) {
-    const Call call(*this);
+ArrivingImage X11WindowServer::grab(uint32_t displayID, const std::optional<VLRect>& part) {
     // A rectangle beyond the root is refused: the display may have shrunk without our knowing.
     for (int attempt = 0; attempt < 2; ++attempt) {
         const Display* display = displays_.find(displayID);
         if (display == nullptr) return {};
-        const PixelRect native = nativeFromLocal(rect, *display);
+        const PixelRect native = part ? nativeFromLocal(*part, *display) : display->nativeFrame;
         if (native.width == 0) return {};
-        QImage image = segments_->grab(native, native == display->nativeFrame);
-        if (!image.isNull()) {
-            image.setDevicePixelRatio(display->scale);
-            return image;
-        }
+        ArrivingImage picture = segments_->begin(native, display->scale);
+        if (!picture.image.isNull()) return picture;
         readDisplays();
     }
     return {};
+}
+
+QImage X11WindowServer::imageOfDisplay(uint32_t displayID, VLRect rect) {
+    const Call call(*this);
+    const auto [image, rows] = grab(displayID, rect);
+    if (!rows) return image;
+    rows->await(image.height());
+    const Display* display = displays_.find(displayID);
+    const bool isWhole = display != nullptr && image.width() == display->nativeFrame.width &&
+                         image.height() == display->nativeFrame.height;
+    // A part is copied out, so that it does not hold a large segment.
+    return isWhole ? image : image.copy();
+}
+
+ArrivingImage X11WindowServer::arrivingImageOfDisplay(uint32_t displayID) {
+    const Call call(*this);
+    return grab(displayID, std::nullopt);
 }
 
 std::optional<X11Window> X11WindowServer::listed(uint32_t number) const {
@@ -161,9 +181,7 @@ double X11WindowServer::alphaAtCentre(uint32_t number) {
 
 void X11WindowServer::keepWindows() {
     const Call call(*this);
-    if (lastList_.empty()) {
-        if (auto list = windowList_.read(displays_.current())) lastList_ = std::move(*list);
-    }
+    if (lastList_.empty()) readList();
     pictures_.keep(lastList_, displays_.current());
 }
 
@@ -171,6 +189,32 @@ void X11WindowServer::releaseWindows() {
     const Call call(*this);
     pictures_.release();
     lastList_.clear();
+}
+
+void X11WindowServer::finish(const std::function<bool()>& meanwhile) {
+    const Call call(*this);
+    xcb_connection_t* c = connection_->get();
+    // The server serves a connection's requests in turn: the answer to this one is the last.
+    const auto cookie = xcb_get_input_focus(c);
+    xcb_flush(c);
+    void* answer = nullptr;
+    while (xcb_poll_for_reply(c, cookie.sequence, &answer, nullptr) == 0)
+        if (!meanwhile()) {
+            static_cast<void>(connection_->reply(&xcb_get_input_focus_reply, cookie));
+            return;
+        }
+    const MallocPtr<void> owned(answer);
+}
+
+std::optional<VLPoint> X11WindowServer::pointerLocation(uint32_t displayID) {
+    const Call call(*this);
+    const Display* display = displays_.find(displayID);
+    const auto pointer = connection_->reply(
+        &xcb_query_pointer_reply, xcb_query_pointer(connection_->get(), connection_->root()));
+    if (display == nullptr || !pointer) return std::nullopt;
+    const PixelRect& frame = display->nativeFrame;
+    return VLPoint{(pointer->root_x - frame.x + 0.5) / display->scale,
+                   (frame.y + frame.height - pointer->root_y - 0.5) / display->scale};
 }
 
 std::string X11WindowServer::activeApplicationName() {
@@ -185,11 +229,14 @@ void X11WindowServer::prepare() {
     // their pages in, our reading faults ours.
     std::vector<QImage> images;
     for (const Display& display : displays) {
-        images.push_back(segments_->grab(display.nativeFrame, true));
-        const volatile uchar* bytes = images.back().constBits();
+        const auto [image, rows] = segments_->begin(display.nativeFrame, display.scale);
+        if (rows) rows->await(image.height());
+        images.push_back(image);
+        const volatile uchar* bytes = image.constBits();
         for (qsizetype at = 0; at < images.back().sizeInBytes(); at += pageBytes)
             static_cast<void>(bytes[at]);
     }
+    pictures_.prepare();
 }
 
 }  // namespace vorla

@@ -31,11 +31,14 @@ class X11WindowServer : public WindowServer {
     std::vector<Display> displays() override;
     std::optional<std::vector<ServerWindow>> windows(uint32_t displayID) override;
     QImage imageOfDisplay(uint32_t displayID, VLRect rect) override;
+    ArrivingImage arrivingImageOfDisplay(uint32_t displayID) override;
     QImage imageOfWindow(uint32_t displayID, uint32_t number, WindowPicture picture,
                          const QImage& fallback) override;
     double alphaAtCentre(uint32_t number) override;
     void keepWindows() override;
     void releaseWindows() override;
+    void finish(const std::function<bool()>& meanwhile) override;
+    std::optional<VLPoint> pointerLocation(uint32_t displayID) override;
     std::string activeApplicationName() override;
     void prepare() override;
 
@@ -43,6 +46,9 @@ class X11WindowServer : public WindowServer {
     class Call;
     explicit X11WindowServer(std::shared_ptr<X11Connection> connection);
     std::vector<Display> readDisplays();
+    bool readList();
+    /// Of a whole display, or of a rectangle of it as `imageOfDisplay` has it.
+    ArrivingImage grab(uint32_t displayID, const std::optional<VLRect>& part);
     void displaysMayHaveChanged();
     /// The window as the list that was read last has it.
     [[nodiscard]] std::optional<X11Window> listed(uint32_t number) const;

@@ -129,7 +129,7 @@ TEST(Magnifier, StandsStillOutsideOfTheScreen) {
     const vorla::test::TestResources resources;
     QImage screen(640, 400, QImage::Format_RGB32);
     screen.fill(0xff0A0b0cU);
-    VLCaptureMagnifierView view(screen, {0, 0, 640, 400});
+    VLCaptureMagnifierView view(vorla::FrozenScreen(screen), {0, 0, 640, 400});
     view.setMouseLocation({0, 0});
     EXPECT_EQ(view.sourceRect(), (VLRect{-11, -9, 20.4, 16.4}));
     view.setMouseLocation({300.9, 200.9});
