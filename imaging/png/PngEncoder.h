@@ -7,7 +7,7 @@ namespace vorla {
 
 /// Writes PNG files many times as fast as the usual writers. Rows are packed and filtered with
 /// vector instructions; large pictures are compressed by igzip in stripes on all processors, small
-/// ones and those that nobody waits for by libdeflate in one piece.
+/// ones by libdeflate in two or three parts, and those that nobody waits for in one.
 class PngEncoder {
  public:
     enum class Goal {

@@ -80,11 +80,17 @@ bool PngFilter::isOpaque(const uint32_t* pixels, size_t count) {
     return all == 0xff000000U;
 }
 
-double PngFilter::zeroShare(const uint8_t* bytes, size_t count) {
+PngFilter::Residue PngFilter::residue(const uint8_t* bytes, size_t count) {
     constexpr size_t kStep = 31;  // prime to the bytes of a pixel, so that all channels are seen
-    size_t zeroes = 0;
-    for (size_t i = 0; i < count; i += kStep) zeroes += bytes[i] == 0 ? 1 : 0;
-    return static_cast<double>(zeroes * kStep) / static_cast<double>(std::max<size_t>(1, count));
+    size_t seen = 0, zeroes = 0, upToTwo = 0;
+    for (size_t i = 0; i < count; i += kStep, ++seen) {
+        zeroes += bytes[i] == 0 ? 1 : 0;
+        upToTwo += static_cast<uint8_t>(bytes[i] + 2) <= 4 ? 1 : 0;
+    }
+    const auto share = [](size_t part, size_t whole) {
+        return static_cast<double>(part) / static_cast<double>(std::max<size_t>(1, whole));
+    };
+    return {share(zeroes, seen), share(upToTwo - zeroes, seen - zeroes)};
 }
 
 }  // namespace vorla

@@ -31,8 +31,15 @@ class PngFilter {
     /// Whether every alpha byte is 255.
     static bool isOpaque(const uint32_t* pixels, size_t count);
 
-    /// The share of zero bytes, from a sample of them: a cheap sign of a flat picture.
-    static double zeroShare(const uint8_t* bytes, size_t count);
+    /// What the filters left, from a sample of the bytes.
+    struct Residue {
+        double zeroes;  ///< share of the bytes
+        double small;   ///< of those that are not zero, the share of -2 to 2
+
+        /// Even areas with sharp edges, such as text; soft shades leave many small bytes.
+        [[nodiscard]] bool isFlat() const { return zeroes > 0.8 && small < 0.5; }
+    };
+    static Residue residue(const uint8_t* bytes, size_t count);
 };
 
 }  // namespace vorla

@@ -1,5 +1,7 @@
 #include "imaging/png/PngPalette.h"
 
+#include <cstring>
+
 namespace vorla {
 
 size_t PngPalette::slotOf(uint32_t color) const {
@@ -11,9 +13,16 @@ size_t PngPalette::slotOf(uint32_t color) const {
 std::optional<PngPalette> PngPalette::of(const QImage& image) {
     PngPalette palette;
     uint32_t last = kEmpty;
+    const auto width = static_cast<size_t>(image.width());
     for (int y = 0; y < image.height(); ++y) {
         const auto* pixels = reinterpret_cast<const uint32_t*>(image.constScanLine(y));
-        for (int x = 0; x < image.width(); ++x) {
+        if (y > 0 && std::memcmp(pixels, image.constScanLine(y - 1), width * 4) == 0) continue;
+        for (size_t x = 0; x < width; ++x) {
+            // Eight pixels like the one before them, as most are.
+            if (x > 0 && x + 8 <= width && std::memcmp(pixels + x, pixels + x - 1, 32) == 0) {
+                x += 7;
+                continue;
+            }
             const uint32_t color = pixels[x] & 0xffffffU;
             if (color == last) continue;
             last = color;

@@ -7,12 +7,11 @@
 
 namespace vorla {
 
-static_assert(PngRows::kMargin >= PngFilter::kMargin);
-
 PngRows::PngRows(const PngLayout& layout)
     : layout_(layout),
       row_(layout.rowBytes() + 2 * PngFilter::kMargin),
-      above_(layout.rowBytes() + 2 * PngFilter::kMargin) {}
+      above_(layout.rowBytes() + 2 * PngFilter::kMargin),
+      last_(layout.rowBytes() + PngFilter::kMargin) {}
 
 void PngRows::pack(size_t y, std::vector<uint8_t>& row) const {
     uint8_t* out = row.data() + PngFilter::kMargin;
@@ -50,7 +49,12 @@ void PngRows::filter(size_t first, size_t end, uint8_t* out) {
                               ? PngFilter::None
                               : PngFilter::best(row, above, bytes, layout_.pixelBytes());
         out[0] = type;
-        PngFilter::apply(type, row, above, bytes, layout_.pixelBytes(), out + 1);
+        // What a filter writes behind its row the next rows overwrite, but not behind the last
+        // ones.
+        const bool isLast = (end - y - 1) * layout_.filteredBytes() < PngFilter::kMargin;
+        PngFilter::apply(type, row, above, bytes, layout_.pixelBytes(),
+                         isLast ? last_.data() : out + 1);
+        if (isLast) std::copy_n(last_.data(), bytes, out + 1);
         row_.swap(above_);
     }
 }

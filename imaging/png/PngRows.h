@@ -28,12 +28,10 @@ struct PngLayout {
 /// one thread.
 class PngRows {
  public:
-    /// Bytes behind filtered rows that must be writable.
-    static constexpr size_t kMargin = 32;
-
     explicit PngRows(const PngLayout& layout);
 
-    /// Writes rows `first` up to but not including `end` to `out`. Throws std::bad_alloc.
+    /// Writes rows `first` up to but not including `end` to `out`, and nothing behind them. Throws
+    /// std::bad_alloc.
     void filter(size_t first, size_t end, uint8_t* out);
 
  private:
@@ -42,6 +40,7 @@ class PngRows {
     const PngLayout& layout_;
     std::vector<uint8_t> row_;
     std::vector<uint8_t> above_;
+    std::vector<uint8_t> last_;
 };
 
 }  // namespace vorla

@@ -1,6 +1,5 @@
 #include "imaging/png/PngStripes.h"
 
-#include <isa-l/igzip_lib.h>
 #include <libdeflate.h>
 #include <zlib.h>
 
@@ -10,74 +9,48 @@
 #include <map>
 #include <memory>
 #include <mutex>
-#include <new>
 #include <thread>
 #include <utility>
 #include <vector>
 
 #include "imaging/png/PngChunk.h"
+#include "imaging/png/PngDeflate.h"
 #include "platform/base/ParallelWork.h"
 
 namespace vorla {
 namespace {
 
-constexpr size_t kHistory = 32768;
 constexpr size_t kLargestStripe = size_t{512} << 10;
 constexpr size_t kSmallestStripe = size_t{128} << 10;
 constexpr size_t kStripesPerWorker = 4;
-/// Level 2 costs the time of level 1 and saves half a percent; level 3 takes half as long again.
-constexpr uint32_t kLevel = 2;
 
 /// One worker's compressor and memory.
 class Stripe {
  public:
-    explicit Stripe(const PngLayout& layout)
-        : layout_(layout), rows_(layout), tables_(ISAL_DEF_LVL2_DEFAULT) {}
+    explicit Stripe(const PngLayout& layout) : layout_(layout), rows_(layout) {}
 
     /// Rows `first` up to `end` as one IDAT chunk; the first begins the zlib stream, and the last
     /// ends it but for its checksum. Returns their Adler-32. Throws std::bad_alloc.
     uint32_t encode(size_t first, size_t end, QByteArray& out) {
         const size_t rowSize = layout_.filteredBytes();
-        const size_t historyRows = std::min(first, (kHistory + rowSize - 1) / rowSize);
-        window_.resize((end - first + historyRows) * rowSize + PngRows::kMargin);
+        const size_t historyRows = std::min(first, (kDeflateHistory + rowSize - 1) / rowSize);
+        window_.resize((end - first + historyRows) * rowSize);
         rows_.filter(first - historyRows, end, window_.data());
         uint8_t* stripe = window_.data() + historyRows * rowSize;
         const size_t size = (end - first) * rowSize;
 
-        isal_deflate_init(&stream_);
-        stream_.level = kLevel;
-        stream_.level_buf = tables_.data();
-        stream_.level_buf_size = static_cast<uint32_t>(tables_.size());
-        stream_.end_of_stream = end == layout_.rows();
-        stream_.flush = stream_.end_of_stream ? NO_FLUSH : SYNC_FLUSH;
-        if (const size_t history = std::min(kHistory, historyRows * rowSize); history > 0)
-            isal_deflate_set_dict(&stream_, stripe - history, static_cast<uint32_t>(history));
-        stream_.next_in = stripe;
-        stream_.avail_in = static_cast<uint32_t>(size);
         PngChunk chunk("IDAT", out);
         if (first == 0) out.append("\x78\x01", 2);  // RFC 1950: deflate with 32 KiB, fast
-        deflate(size / 2 + 4096, out);
+        coder_.append(stripe, size, historyRows * rowSize, end == layout_.rows(), out);
         chunk.end();
         return libdeflate_adler32(1, stripe, size);
     }
 
  private:
-    void deflate(size_t room, QByteArray& out) {
-        do {
-            const qsizetype used = out.size();
-            out.resize(used + static_cast<qsizetype>(room));
-            stream_.next_out = reinterpret_cast<uint8_t*>(out.data() + used);
-            stream_.avail_out = static_cast<uint32_t>(room);
-            if (isal_deflate(&stream_) != COMP_OK) throw std::bad_alloc();
-            out.chop(stream_.avail_out);
-        } while (stream_.avail_out == 0);
-    }
-
     const PngLayout& layout_;
     PngRows rows_;
-    std::vector<uint8_t> tables_;
+    QuickDeflate coder_;
     std::vector<uint8_t> window_;  // filtered rows: history, then the stripe
-    isal_zstream stream_ = {};
 };
 
 /// Takes chunks in any order; each is appended as soon as those before it are there.

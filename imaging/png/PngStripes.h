@@ -9,8 +9,6 @@ namespace vorla {
 /// Appends the pixels of a picture to a PNG file as IDAT chunks, compressed by igzip in stripes on
 /// all processors: each stripe may repeat bytes of the 32 KiB before it and ends on a byte boundary
 /// (RFC 1951), so stripes are simply joined. False when memory runs out.
-///
-/// igzip chooses its instructions at run time, with plain C for processors that have none of them.
 bool appendStripes(const PngLayout& layout, QByteArray& out);
 
 }  // namespace vorla

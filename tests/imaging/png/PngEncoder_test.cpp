@@ -46,8 +46,9 @@ void expectSamePixels(const QImage& image, const std::string& what) {
 }
 
 TEST(PngEncoder, keepsEveryPixel) {
-    for (const QSize size : {QSize(1, 1), QSize(1, 2), QSize(2, 1), QSize(257, 255), QSize(5, 700),
-                             QSize(1, 70'000), QSize(70'000, 1), QSize(20'003, 3)})
+    for (const QSize size :
+         {QSize(1, 1), QSize(1, 2), QSize(2, 1), QSize(257, 255), QSize(701, 499), QSize(5, 700),
+          QSize(1, 70'000), QSize(70'000, 1), QSize(20'003, 3)})
         for (const QImage::Format format : kFormats)
             for (const Content content : kContents)
                 expectSamePixels(test::picture(size, format, content), "content");
