@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "crash/store/CvrFilePersistHandler.h"
-#include "tests/support/PipedProgram.h"
+#include "tests/support/LoopbackServer.h"
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -15,34 +15,19 @@ using nlohmann::json;
 using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
+using vorla::test::LoopbackServer;
 using vorla::test::PipedProgram;
 using vorla::test::TemporaryFolder;
 
-class Server {
+class Server : public LoopbackServer {
  public:
-    explicit Server(const std::vector<std::string>& arguments = {})
-        : program_(commandLine(arguments)), url_(next().value("url", "")) {}
-
-    [[nodiscard]] const std::string& url() const { return url_; }
-    json next(int milliseconds = 20000) {
-        const auto line = program_.nextLine(milliseconds);
-        return line ? json::parse(*line) : json();
-    }
+    using LoopbackServer::LoopbackServer;
     /// The next request of the command; null when none comes.
     json request(int command, int milliseconds = 20000) {
-        for (json one = next(milliseconds); !one.is_null(); one = next(milliseconds))
+        for (json one = nextRequest(milliseconds); !one.empty(); one = nextRequest(milliseconds))
             if (one.contains("fault") || one["request"]["cmd"] == command) return one;
         return {};
     }
-
- private:
-    static std::vector<std::string> commandLine(const std::vector<std::string>& arguments) {
-        std::vector<std::string> line = {"python3", VORLA_CRASHSERVER};
-        line.insert(line.end(), arguments.begin(), arguments.end());
-        return line;
-    }
-    PipedProgram program_;
-    std::string url_;
 };
 
 /// The store has been read; at the first start, what is older than it is removed.

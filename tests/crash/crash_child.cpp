@@ -15,9 +15,9 @@
 //   only-elsewhere      crashes through "libelsewhere" only are stored
 #include <link.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
@@ -28,6 +28,7 @@
 #include "crash/CvrCrashData.h"
 #include "crash/CvrCrashHandler.h"
 #include "examples/vorla-host/CrashKinds.h"
+#include "tests/support/ChildProcess.h"
 
 namespace {
 
@@ -91,14 +92,11 @@ void installEarlierHandler() {
 }
 
 int crashInChild(const CrashKind& kind) {
-    const pid_t child = ::fork();
-    if (child == 0) {
+    vorla::test::ChildProcess child([&] {
         kind.provoke();
-        ::_exit(3);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+        return 3;
+    });
+    return std::max(0, -child.wait());
 }
 
 }  // namespace

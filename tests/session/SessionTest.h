@@ -4,11 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <QImage>
-#include <chrono>
 #include <deque>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "tests/session/HostProgram.h"
@@ -58,18 +56,6 @@ class SessionTest : public testing::Test {
     std::vector<xcb_window_t> panelsOf(HostProgram& program);
     /// Panels of the host that are not all on top of every other window.
     bool panelsAreOnTop(HostProgram& program);
-
-    /// Waits for something that another process brings about.
-    template <typename Condition>
-    static bool eventually(Condition condition, int milliseconds = 5000) {
-        using Clock = std::chrono::steady_clock;
-        const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
-        while (!condition()) {
-            if (Clock::now() > end) return false;
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
-        return true;
-    }
 
     std::unique_ptr<XTestDriver> driver;
 

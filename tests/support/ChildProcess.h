@@ -7,34 +7,55 @@
 #include <functional>
 #include <utility>
 
+#include "tests/support/waiting.h"
+
 namespace vorla::test {
 
-/// A real child process that runs a function and exits with its result, without the parent's exit
-/// handlers. It is killed with the object.
+/// A real child process: one that runs a function and exits with its result, without the parent's
+/// exit handlers, or a program (see PipedProgram). It is killed with the object.
 class ChildProcess {
  public:
+    /// What `wait` returns of a process that has not ended or is none.
+    static constexpr int notEnded = -1000;
+
     explicit ChildProcess(const std::function<int()>& body) : pid_(::fork()) {
         if (pid_ == 0) ::_exit(body());
     }
-    ~ChildProcess() {
-        if (pid_ <= 0) return;
-        ::kill(pid_, SIGKILL);
-        wait();
-    }
+    ~ChildProcess() { terminate(); }
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
     /// Waits for the end: the exit code, or minus the signal that ended it.
     int wait() {
         int status = 0;
-        if (::waitpid(std::exchange(pid_, -1), &status, 0) < 0) return -1000;
+        if (::waitpid(std::exchange(pid_, -1), &status, 0) < 0) return notEnded;
         return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
     }
-    void kill(int signal) const { ::kill(pid_, signal); }
+    /// The same; killed when it has not ended in time.
+    int wait(int milliseconds) {
+        siginfo_t facts = {};
+        const auto hasEnded = [&] {
+            const auto id = static_cast<id_t>(pid_);
+            return ::waitid(P_PID, id, &facts, WEXITED | WNOHANG | WNOWAIT) != 0 ||
+                   facts.si_pid == pid_;
+        };
+        if (pid_ > 0 && eventually(hasEnded, milliseconds)) return wait();
+        terminate();
+        return notEnded;
+    }
+    void kill(int signal) const {
+        if (pid_ > 0) ::kill(pid_, signal);
+    }
+    void terminate() {
+        if (pid_ <= 0) return;
+        kill(SIGKILL);
+        wait();
+    }
     [[nodiscard]] pid_t pid() const { return pid_; }
 
- private:
-    pid_t pid_;
+ protected:
+    ChildProcess() = default;
+    pid_t pid_ = -1;
 };
 
 }  // namespace vorla::test

@@ -2,25 +2,23 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <signal.h>
 #include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <cstdlib>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "platform/base/raii.h"
+#include "tests/support/ChildProcess.h"
 
 namespace vorla::test {
 
 /// A program that runs next to the test, whose standard output is read line by line and, where that
-/// is asked for, whose standard input is written. It is killed with the object.
-class PipedProgram {
+/// is asked for, whose standard input is written.
+class PipedProgram : public ChildProcess {
  public:
     enum class Input { Inherited, Piped };
     /// `errorFile` empty stands for this program's own standard error.
@@ -50,13 +48,7 @@ class PipedProgram {
             pid_ = -1;
         posix_spawn_file_actions_destroy(&actions);
     }
-    ~PipedProgram() {
-        if (pid_ <= 0) return;
-        ::kill(pid_, SIGKILL);
-        wait();
-    }
-    PipedProgram(const PipedProgram&) = delete;
-    PipedProgram& operator=(const PipedProgram&) = delete;
+    ~PipedProgram() { terminate(); }  // before its pipes close
 
     /// The next line without its end; none when the program closed its output, or no line came in
     /// time.
@@ -88,16 +80,7 @@ class PipedProgram {
         return lines;
     }
 
-    /// The exit code, or minus the signal that ended it.
-    int wait() {
-        int status = 0;
-        if (::waitpid(std::exchange(pid_, -1), &status, 0) < 0) return -1000;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-    }
-    [[nodiscard]] pid_t pid() const { return pid_; }
-
  protected:
-    pid_t pid_ = -1;
     UniqueFd input_;
 
  private:

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "platform/base/MainQueue.h"
+#include "tests/support/waiting.h"
 
 namespace vorla::test {
 
@@ -23,12 +24,8 @@ class TestMainLoop {
     /// Runs until the condition holds; false when it did not in time.
     template <typename Condition>
     bool runUntil(Condition condition, std::chrono::milliseconds limit = std::chrono::seconds(20)) {
-        const auto latest = std::chrono::steady_clock::now() + limit;
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > latest) return false;
-            backend_->runOne(std::chrono::milliseconds(2));
-        }
-        return true;
+        return eventually(condition, static_cast<int>(limit.count()),
+                          [this] { backend_->runOne(std::chrono::milliseconds(2)); });
     }
 
  private:

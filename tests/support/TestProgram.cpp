@@ -5,12 +5,10 @@
 
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
-#include <thread>
 
 namespace vorla::test {
 namespace {
@@ -29,20 +27,9 @@ TestProgram::TestProgram(const std::vector<std::string>& arguments, const std::s
     : PipedProgram(commandLine(arguments, path), Input::Piped, errorFile) {}
 
 void TestProgram::suspend() {
-    if (pid_ <= 0) return;
-    kill(pid_, SIGSTOP);
+    kill(SIGSTOP);
     int status = 0;
     waitpid(pid_, &status, WUNTRACED);
-}
-
-void TestProgram::resume() {
-    if (pid_ > 0) kill(pid_, SIGCONT);
-}
-
-void TestProgram::terminate() {
-    if (pid_ <= 0) return;
-    kill(pid_, SIGKILL);
-    wait();
 }
 
 bool TestProgram::send(std::string_view line) {
@@ -51,19 +38,8 @@ bool TestProgram::send(std::string_view line) {
 }
 
 int TestProgram::waitForExit(int milliseconds) {
-    constexpr int notEnded = -1000;
     input_.reset();
-    if (pid_ <= 0) return notEnded;
-    int status = 0;
-    for (int waited = 0; waitpid(pid_, &status, WNOHANG) == 0; waited += 5) {
-        if (waited >= milliseconds) {
-            terminate();
-            return notEnded;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    pid_ = -1;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    return wait(milliseconds);
 }
 
 bool TestProgram::waitForLine(std::string_view prefix, std::string* rest, int milliseconds) {

@@ -33,10 +33,9 @@ class TestProgram : public PipedProgram {
     int waitForExit(int milliseconds = 5000);
     /// Waits for the window to be up and painted; 0 when that does not happen.
     xcb_window_t waitUntilReady();
-    /// Stops (hangs) the program and lets it go on.
+    /// Stops (hangs) the program; `resume` lets it go on.
     void suspend();
-    void resume();
-    void terminate();
+    void resume() const { kill(SIGCONT); }
 };
 
 }  // namespace vorla::test

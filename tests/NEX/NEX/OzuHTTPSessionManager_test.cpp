@@ -10,7 +10,7 @@
 #include <thread>
 
 #include "platform/base/raii.h"
-#include "tests/support/StatServer.h"
+#include "tests/support/LoopbackServer.h"
 #include "tests/support/TestMainLoop.h"
 
 namespace {
@@ -18,7 +18,7 @@ namespace {
 using namespace std::chrono_literals;
 using vorla::CompletionQueue;
 using vorla::HTTPResult;
-using vorla::test::StatServer;
+using vorla::test::LoopbackServer;
 
 vorla::HTTPLimits shortLimits() {
     vorla::HTTPLimits limits;
@@ -48,7 +48,7 @@ std::future<HTTPResult> send(OzuHTTPSessionManager& session, vorla::HTTPRequest 
 TEST(HTTPSession, ServersThatDoNotEndAreGivenUpInTime) {
     OzuHTTPSessionManager session(shortLimits());
     for (const char* reply : {"silent", "drip", "headers"}) {
-        const StatServer server({"--reply", reply});
+        const LoopbackServer server({"--reply", reply});
         const auto start = std::chrono::steady_clock::now();
         const HTTPResult result = send(session, requestTo(server.url())).get();
         EXPECT_LT(std::chrono::steady_clock::now() - start, 5s) << reply;
@@ -59,7 +59,7 @@ TEST(HTTPSession, ServersThatDoNotEndAreGivenUpInTime) {
 TEST(HTTPSession, AFullMebibyteArrivesAndNotAByteMore) {
     OzuHTTPSessionManager generous;
     vorla::HTTPLimits limits = shortLimits();
-    const StatServer server({"--reply", "garbage"});
+    const LoopbackServer server({"--reply", "garbage"});
     const size_t size = send(generous, requestTo(server.url())).get().body.value().size();
     limits.largestBody = size;
     OzuHTTPSessionManager exact(limits);
@@ -79,7 +79,7 @@ TEST(HTTPSession, UnreachableAddressesFail) {
         EXPECT_FALSE(result.body) << url;
         EXPECT_FALSE(result.error.empty()) << url;
     }
-    const StatServer server;
+    const LoopbackServer server;
     const std::string secure = "https" + server.url().substr(4);
     EXPECT_FALSE(send(session, requestTo(secure)).get().body);
 }
@@ -123,7 +123,7 @@ TEST(HTTPSession, AConnectionThatBreaksWhileItIsWrittenToRaisesNoSignal) {
 }
 
 TEST(HTTPSession, EndingASessionDropsWhatIsUnderWay) {
-    const StatServer server({"--reply", "silent"});
+    const LoopbackServer server({"--reply", "silent"});
     const auto start = std::chrono::steady_clock::now();
     auto session = std::make_unique<OzuHTTPSessionManager>();
     std::vector<std::future<HTTPResult>> replies;
@@ -135,7 +135,7 @@ TEST(HTTPSession, EndingASessionDropsWhatIsUnderWay) {
 }
 
 TEST(HTTPSession, CompletionsRunOnTheMainLoopIfThereIsOne) {
-    const StatServer server;
+    const LoopbackServer server;
     OzuHTTPSessionManager session;
     std::atomic<std::thread::id> thread;
     const auto note = [&](const HTTPResult&) { thread = std::this_thread::get_id(); };
@@ -154,7 +154,7 @@ TEST(HTTPSession, CompletionsRunOnTheMainLoopIfThereIsOne) {
 }
 
 TEST(HTTPSession, HeaderFieldsWithLineBreaksAreLeftOut) {
-    StatServer server;
+    LoopbackServer server;
     OzuHTTPSessionManager session(shortLimits());
     auto request = requestTo(server.url());
     request.setValue("value\r\nX-Injected: 1", "X-Bad");

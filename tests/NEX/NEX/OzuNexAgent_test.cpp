@@ -7,13 +7,13 @@
 
 #include "NEX/NEX+PAK/SerializationPAK/PakFailure.h"
 #include "NEX/NEX/OzuNexEnvironment.h"
-#include "tests/support/StatServer.h"
+#include "tests/support/LoopbackServer.h"
 #include "tests/support/TestMainLoop.h"
 
 namespace {
 
 using nlohmann::json;
-using vorla::test::StatServer;
+using vorla::test::LoopbackServer;
 using vorla::test::TestMainLoop;
 using Packet = std::shared_ptr<ZenPacket>;
 
@@ -47,7 +47,7 @@ std::string header(const json& request, const std::string& name) {
 }
 
 TEST(OzuNexAgent, RequestCarriesThePacketAndSaysWhoWeAre) {
-    StatServer server;
+    LoopbackServer server;
     const auto agent = std::make_shared<TestAgent>(std::vector{server.url()});
     ASSERT_TRUE(call(*agent).value());
     const json request = server.nextRequest();
@@ -65,9 +65,9 @@ TEST(OzuNexAgent, RequestCarriesThePacketAndSaysWhoWeAre) {
 }
 
 TEST(OzuNexAgent, TheNextAddressGetsTheSameBytesWhenOneGivesNoBody) {
-    StatServer closing({"--reply", "close"});
-    StatServer refusing({"--status", "500"});
-    StatServer unused;
+    LoopbackServer closing({"--reply", "close"});
+    LoopbackServer refusing({"--status", "500"});
+    LoopbackServer unused;
     const auto agent =
         std::make_shared<TestAgent>(std::vector{closing.url(), refusing.url(), unused.url()});
     EXPECT_TRUE(call(*agent).value());
@@ -116,7 +116,7 @@ TEST(OzuNexAgent, MissingPartsOfACallAreRaised) {
 
 TEST(OzuNexAgent, BlockingCallReturnsTheReplyAlsoToTheMainThread) {
     const TestMainLoop loop;
-    const StatServer server({"--return-code", "12"});
+    const LoopbackServer server({"--return-code", "12"});
     const auto agent =
         std::make_shared<TestAgent>(std::vector<std::string>{deadAddress, server.url()});
     const Packet reply = agent->invocation("f", ZenPacket::packet());
@@ -128,8 +128,8 @@ TEST(OzuNexAgent, BlockingCallReturnsTheReplyAlsoToTheMainThread) {
 
 TEST(OzuNexAgent, AReleasedAgentTriesNoFurtherAddress) {
     TestMainLoop loop;
-    StatServer closing({"--reply", "close", "--delay", "0.3"});
-    StatServer unused;
+    LoopbackServer closing({"--reply", "close", "--delay", "0.3"});
+    LoopbackServer unused;
     auto agent = std::make_shared<TestAgent>(std::vector{closing.url(), unused.url()});
     const auto called = std::make_shared<bool>(false);
     agent->invocation("f", ZenPacket::packet(), [called](const Packet&) { *called = true; });

@@ -10,16 +10,16 @@
 #include "NEX/NEX/VLStatisticManager.h"
 #include "platform/base/files.h"
 #include "settings/plist.h"
+#include "tests/support/LoopbackServer.h"
 #include "tests/support/ScopedEnvironment.h"
-#include "tests/support/StatServer.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace {
 
 using namespace std::chrono_literals;
 using nlohmann::json;
+using vorla::test::LoopbackServer;
 using vorla::test::PipedProgram;
-using vorla::test::StatServer;
 using Clock = std::chrono::steady_clock;
 
 /// Runs the test host with counters of its own.
@@ -53,7 +53,7 @@ class Upload : public testing::Test {
 };
 
 TEST_F(Upload, EveryLayerOfWhatGoesOverTheWire) {
-    StatServer server;
+    LoopbackServer server;
     ASSERT_TRUE(vorla::createDirectories(counters_.substr(0, counters_.rfind('/'))));
     ASSERT_TRUE(writeToPlistFile({{"1001", 3}, {"1002", "text"}, {"7", 4294967297U}}, counters_));
     host({"url=" + server.url(), "start", "wait=reset stat success!"});
@@ -135,7 +135,7 @@ TEST_F(Upload, CountersAreErasedUnlessTheServerRefusesThem) {
         SCOPED_TRACE(testing::PrintToString(row.server));
         ASSERT_TRUE(vorla::createDirectories(counters_.substr(0, counters_.rfind('/'))));
         ASSERT_TRUE(writeToPlistFile({{"1001", 3}}, counters_));
-        const StatServer server(row.server);
+        const LoopbackServer server(row.server);
         host({"url=" + server.url(), "start", "wait=completeBlock end"});
         EXPECT_EQ(exitCode_, 0);
         EXPECT_EQ(onDisk(), row.erased ? json("none") : json({{"1001", 3}}));
@@ -150,7 +150,7 @@ TEST_F(Upload, CountersAreErasedUnlessTheServerRefusesThem) {
 }
 
 TEST_F(Upload, HappensOnceInAProcess) {
-    StatServer server;
+    LoopbackServer server;
     host({"url=" + server.url(), "start", "start", "wait=completeBlock end", "start", "sleep=200"});
     EXPECT_FALSE(server.nextRequest().empty());
     EXPECT_TRUE(server.nextRequest(200).empty());
@@ -159,7 +159,7 @@ TEST_F(Upload, HappensOnceInAProcess) {
 }
 
 TEST_F(Upload, EventsDuringAnUploadAreLostWithIt) {
-    StatServer server({"--delay", "0.3"});
+    LoopbackServer server({"--delay", "0.3"});
     host({"url=" + server.url(), "start", "sleep=150", "event=1001", "wait=completeBlock end",
           "event=1002"});
     EXPECT_FALSE(server.nextRequest()["counters"].contains("1001"));
@@ -179,7 +179,7 @@ TEST_F(Upload, TheHostEndsAtOnceWhateverTheServerDoes) {
         int exitCode;
     } endings[] = {{"exit", 0}, {"return", 0}, {"quick", 0}, {"abort", -SIGABRT}};
     for (const char* reply : {"silent", "drip", "endless", "good"}) {
-        const StatServer server({"--reply", reply});
+        const LoopbackServer server({"--reply", reply});
         for (const auto& [ending, exitCode] : endings) {
             for (const char* moment : {"stall=0", "stall=1", "stall=3", "stall=60"}) {
                 SCOPED_TRACE(std::string(reply) + " " + ending + " " + moment);
@@ -202,7 +202,7 @@ TEST_F(Upload, AForkedChildNeitherHangsNorSendsAgain) {
     // What only the parent's threads know of looks leaked in the child.
     const vorla::test::ScopedEnvironment sanitizer(
         {{"ASAN_OPTIONS", "detect_leaks=0"}, {"LSAN_OPTIONS", std::nullopt}});
-    StatServer server({"--delay", "0.3"});
+    LoopbackServer server({"--delay", "0.3"});
     const auto start = Clock::now();
     host({"url=" + server.url(), "start", "sleep=100", "fork", "fork", "wait=completeBlock end"});
     EXPECT_EQ(logged("child 7"), 2);
@@ -213,7 +213,7 @@ TEST_F(Upload, AForkedChildNeitherHangsNorSendsAgain) {
 }
 
 TEST_F(Upload, GoesOnWhileTheMainThreadStandsStill) {
-    StatServer server;
+    LoopbackServer server;
     host({"url=" + server.url(), "start", "stall=1500"});
     EXPECT_EQ(logged("reset stat success!"), 1);
     EXPECT_FALSE(server.nextRequest().empty());

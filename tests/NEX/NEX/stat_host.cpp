@@ -13,7 +13,6 @@
 //   return, exit, abort, quick   ends the process in that way
 //
 // Prints each log line.
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -30,6 +29,7 @@
 #include "platform/base/VLLog.h"
 #include "platform/base/raii.h"
 #include "settings/StatisticDoor.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/TestMainLoop.h"
 
 namespace {
@@ -59,15 +59,12 @@ size_t threadCount() {
 }
 
 void forkAndWait() {
-    const pid_t child = ::fork();
-    if (child == 0) {
+    vorla::test::ChildProcess child([]() -> int {
         vorla::fireStatisticEvent(4242);
         OzuNexManager::defaultManager().startStat();
         std::exit(7);
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    print("child " + std::to_string(WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status)));
+    });
+    print("child " + std::to_string(child.wait()));
 }
 
 class Host {

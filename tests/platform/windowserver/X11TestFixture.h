@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QThread>
 #include <algorithm>
 #include <deque>
@@ -74,14 +73,10 @@ class X11Test : public testing::Test {
     /// Runs the event loop until the condition holds; false when it does not in time.
     template <typename Condition>
     bool eventually(Condition condition, int milliseconds = 3000) {
-        QElapsedTimer timer;
-        timer.start();
-        while (!condition()) {
-            if (timer.elapsed() > milliseconds) return false;
+        return test::eventually(condition, milliseconds, [] {
             QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
             QThread::msleep(2);
-        }
-        return true;
+        });
     }
     void runEventLoop(int milliseconds) {
         eventually([] { return false; }, milliseconds);

@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <set>
 
-#include "platform/base/VLLog.h"
 #include "tests/platform/windowserver/X11TestFixture.h"
+#include "tests/support/LogRecorder.h"
 
 namespace vorla::test {
 namespace {
@@ -119,8 +119,7 @@ TEST_F(X11Displays, LostConnectionGivesEmptyValues) {
     for (const uint32_t client : driver->clientsOfProcess(getpid()))
         if (others.count(client) == 0) driver->killClient(client);
 
-    std::vector<std::string> lines;
-    setLogHandler([&lines](std::string_view line) { lines.emplace_back(line); });
+    const LogRecorder log;
     for (int i = 0; i < 3; ++i) {
         EXPECT_TRUE(server->displays().empty());
         EXPECT_FALSE(server->windows(d.displayID));
@@ -136,8 +135,7 @@ TEST_F(X11Displays, LostConnectionGivesEmptyValues) {
     }
     EXPECT_EQ(screen, untouched);
     screen = QImage();
-    setLogHandler(nullptr);
-    EXPECT_THAT(lines, testing::ElementsAre(testing::HasSubstr("lost")));
+    EXPECT_THAT(log.lines(), testing::ElementsAre(testing::HasSubstr("lost")));
     const auto next = WindowServer::shared();
     ASSERT_TRUE(next);
     EXPECT_NE(next, server) << "a broken one is replaced";
@@ -147,17 +145,15 @@ TEST_F(X11Displays, LostConnectionGivesEmptyValues) {
 
 TEST_F(X11Displays, WithoutAServerThereIsNone) {
     const std::string display = std::getenv("DISPLAY");
-    std::vector<std::string> lines;
-    setLogHandler([&lines](std::string_view line) { lines.emplace_back(line); });
+    const LogRecorder log;
     setenv("DISPLAY", ":4095", 1);
     EXPECT_FALSE(WindowServer::connect());
     unsetenv("DISPLAY");
     EXPECT_FALSE(WindowServer::connect());
-    EXPECT_EQ(lines.size(), 2U);
+    EXPECT_EQ(log.lines().size(), 2U);
     WindowServer::setShared(nullptr);
     EXPECT_FALSE(WindowServer::shared());
     setenv("DISPLAY", display.c_str(), 1);
-    setLogHandler(nullptr);
     const auto shared = WindowServer::shared();
     ASSERT_TRUE(shared) << "tried again";
     EXPECT_EQ(WindowServer::shared(), shared);

@@ -8,27 +8,26 @@
 
 namespace vorla::test {
 
-/// The statistics server of tools/statserver as a real process on loopback.
-class StatServer {
+/// The server of tools/ that the target's VORLA_SERVER names, as a real process on loopback.
+class LoopbackServer {
  public:
     /// Further arguments as the tool takes them, as {"--reply", "bomb"}.
-    explicit StatServer(std::vector<std::string> arguments = {})
+    explicit LoopbackServer(std::vector<std::string> arguments = {})
         : program_(commandLine(std::move(arguments))),
-          url_(nextLine().value("url", std::string())) {}
+          url_(nextRequest().value("url", std::string())) {}
 
     [[nodiscard]] const std::string& url() const { return url_; }
 
     /// The next request that it reports; an empty object when none came in time.
-    nlohmann::json nextRequest(int milliseconds = 10000) { return nextLine(milliseconds); }
+    nlohmann::json nextRequest(int milliseconds = 10000) {
+        const auto line = program_.nextLine(milliseconds);
+        return line ? nlohmann::json::parse(*line) : nlohmann::json::object();
+    }
 
  private:
     static std::vector<std::string> commandLine(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), {"python3", VORLA_STATSERVER});
+        arguments.insert(arguments.begin(), {"python3", VORLA_SERVER});
         return arguments;
-    }
-    nlohmann::json nextLine(int milliseconds = 10000) {
-        const auto line = program_.nextLine(milliseconds);
-        return line ? nlohmann::json::parse(*line) : nlohmann::json::object();
     }
 
     PipedProgram program_;
