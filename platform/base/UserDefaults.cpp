@@ -192,6 +192,7 @@ void UserDefaults::removeObjectForKey(std::string_view key) {
 }
 
 bool UserDefaults::synchronize() {
+    const LogHold hold;
     const std::lock_guard lock(state_->mutex);
     if (state_->unsaved.empty() || state_->save()) return true;
     VLLogError("cannot write preferences %s: %s", state_->path.c_str(), std::strerror(errno));
