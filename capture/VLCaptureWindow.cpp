@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "platform/base/VLLog.h"
+#include "platform/base/raii.h"
 #include "platform/windowserver/WindowServer.h"
 #include "selection/VLCaptureViewController.h"
 #include "settings/StatisticDoor.h"
@@ -54,8 +55,9 @@ void VLCaptureWindow::observe() {
 // Panels kept ready ----------------------------------------------------------------------------
 
 std::vector<VLCaptureWindow*>& VLCaptureWindow::spares() {
-    static std::vector<VLCaptureWindow*> panels;
-    return panels;
+    // Used when the application object ends, which may be after the end of other static objects.
+    static vorla::NoDestructor<std::vector<VLCaptureWindow*>> panels;
+    return *panels;
 }
 
 VLCaptureWindow* VLCaptureWindow::takeSpare(QSize nativeSize) {

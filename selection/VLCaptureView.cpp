@@ -148,7 +148,8 @@ void VLCaptureView::mouseEntered(const VLMouseEvent& event) {
 
 void VLCaptureView::mouseExited(const VLMouseEvent& event) {
     VLCursor::sharedInstance().restoreSystemCursor();
-    if (!needScreenCapture_ || selectedItemType_ != VLSelectedItemTypeNone) return;
+    // A panel that closes under the pointer sends it away too, perhaps as the program ends.
+    if (!isVisible() || !needScreenCapture_ || selectedItemType_ != VLSelectedItemTypeNone) return;
     selectedItem().setSelectedRect({});
     updateMouseLocation(convertPointFromWindow(event.locationInWindow), false);
 }

@@ -2,6 +2,7 @@
 
 #include <QPixmap>
 
+#include "platform/base/raii.h"
 #include "platform/view/CursorStack.h"
 #include "theme/VLCaptureThemeManager.h"
 
@@ -28,8 +29,8 @@ constexpr std::array<const char*, 16> imageNames = {nullptr,
 }  // namespace
 
 std::unique_ptr<VLCursor>& VLCursor::instance() {
-    static std::unique_ptr<VLCursor> shared;
-    return shared;
+    static vorla::NoDestructor<std::unique_ptr<VLCursor>> shared;
+    return *shared;
 }
 
 VLCursor& VLCursor::sharedInstance() {

@@ -34,8 +34,7 @@ class VLCursor {
     /// Drops the instance, and with it all cursors made so far.
     static void clear();
 
-    /// A type outside the table results in the arrow; a theme without the drawing an invisible
-    /// cursor.
+    /// The arrow for a type outside the table, and where the theme lacks the drawing.
     const QCursor& cursorOfType(uint64_t type);
 
     /// The type last set.

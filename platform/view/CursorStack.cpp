@@ -1,13 +1,15 @@
 #include "platform/view/CursorStack.h"
 
+#include "platform/base/raii.h"
 #include "platform/view/PanelStack.h"
 #include "platform/view/VLPanel.h"
 
 namespace vorla {
 
 CursorStack& CursorStack::shared() {
-    static CursorStack instance;
-    return instance;
+    // A session that the program's end overtakes clears it when static objects have gone.
+    static NoDestructor<CursorStack> instance;
+    return *instance;
 }
 
 void CursorStack::push(const QCursor& cursor) {

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/base/raii.h"
 #include "platform/view/VLView.h"
 #include "platform/view/mouseevents.h"
 
@@ -22,8 +23,8 @@ struct Deferred {
 
 bool tracking = false;
 std::vector<Deferred>& deferredTasks() {
-    static std::vector<Deferred> tasks;
-    return tasks;
+    static vorla::NoDestructor<std::vector<Deferred>> tasks;
+    return *tasks;
 }
 
 /// Takes the drag's events out of the stream and holds the rest of the input back.

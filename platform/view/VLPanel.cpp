@@ -156,7 +156,8 @@ void VLPanel::showPainted() {
     putOnScreen();
     vorla::PanelStack::shared().surface().wasPainted(*this);
     QTimer::singleShot(0, this, [this] {
-        if (onFirstPaint) onFirstPaint();
+        // Out of the member first: the call may close the panel.
+        if (const auto told = std::exchange(onFirstPaint, nullptr)) told();
     });
 }
 

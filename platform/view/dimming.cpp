@@ -13,7 +13,7 @@ namespace {
 /// The blend of one channel, out = source * keep / 256 + add, with keep and add for the whole row.
 struct Blend {
     uint16_t keep;
-    uint16_t add[4];  ///< blue, green, red, alpha as they lie in memory, times 256, half added
+    uint16_t add[4];  ///< blue, green, red, alpha as they lie in memory, times 256
 
     explicit Blend(const QColor& color)
         : keep(static_cast<uint16_t>(std::lround((1.0 - color.alphaF()) * 256.0))), add{} {
