@@ -99,7 +99,7 @@ VLCaptureOutcome VLRunCapture(const std::shared_ptr<VLCaptureRequest>& request) 
     if (error != VLCaptureErrorNone) return {.kind = VLCaptureOutcomeRefused, .error = error};
     QEventLoop loop;
     run->loop = &loop;
-    loop.exec();
+    if (!run->isOver) loop.exec();
     run->loop = nullptr;
     // The host's application has quit, and this loop with it.
     if (!run->isOver) VLCancelCapture();
@@ -112,13 +112,12 @@ VLCaptureError VLLastCaptureError() {
 }
 
 bool VLIsCapturing() {
-    return vorla::captureObstacle() == VLCaptureErrorNone
-               ? VLCaptureManager::sharedInstance()->isCapturing()
-               : VLCaptureManager::isAnyCapturing();
+    return VLCaptureManager::isAnyCapturing();
 }
 
 bool VLCancelCapture() {
-    if (vorla::captureRefusal(__func__) == VLCaptureErrorNone)
+    // A manager that is made here would start the services.
+    if (vorla::captureRefusal(__func__) == VLCaptureErrorNone && VLCaptureManager::isAnyCapturing())
         VLCaptureManager::sharedInstance()->cancelCapture();
     return true;
 }

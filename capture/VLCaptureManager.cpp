@@ -28,8 +28,8 @@ constexpr std::chrono::milliseconds delayOfSwitch(200);
 thread_local VLCaptureError errorOfThread = VLCaptureErrorNone;
 
 std::function<void(int)>& panelsShownHandler() {
-    static std::function<void(int)> handler;
-    return handler;
+    static vorla::NoDestructor<std::function<void(int)>> handler;
+    return *handler;
 }
 
 size_t numberOfScreens() {
@@ -46,7 +46,11 @@ std::shared_ptr<VLCaptureManager>& VLCaptureManager::shared() {
 }
 
 std::shared_ptr<VLCaptureManager> VLCaptureManager::sharedInstance() {
-    if (!shared()) shared().reset(new VLCaptureManager);
+    if (!shared()) {
+        // A handler that asks for the instance must find it.
+        const vorla::LogHold hold;
+        shared().reset(new VLCaptureManager);
+    }
     return shared();
 }
 
