@@ -100,7 +100,7 @@ void tellDelegate(Delivery delivery, const Saved& saved, const std::string& path
 }
 
 void saveWhereChosen(Delivery delivery, const vorla::SavePanel::Choice& choice) {
-    DispatchQueue::global().async([delivery = std::move(delivery), choice]() mutable {
+    DispatchQueue::inBackground([delivery = std::move(delivery), choice]() mutable {
         const std::string path = vorla::expandTilde(choice.path.toStdString());
         VLCaptureSetting::sharedInstance().setLastSavePath(choice.directory.toStdString());
         const Saved saved = saveTo(delivery, path, PngEncoder::Goal::Size);
@@ -179,11 +179,13 @@ void VLCaptureManager::defaultSaveImage(const QImage& image, bool isHighResoluti
 }
 
 void VLCaptureManager::saveImage(const QImage& image, bool isHighResolution) {
-    const Delivery delivery = makeDelivery(request_, delegate_, weak_from_this(),
-                                           std::exchange(ended_, nullptr), image, isHighResolution);
-    DispatchQueue::global().async([delivery, isHighResolution] {
+    Delivery delivery = makeDelivery(request_, delegate_, weak_from_this(),
+                                     std::exchange(ended_, nullptr), image, isHighResolution);
+    DispatchQueue::inBackground([delivery = std::move(delivery), isHighResolution]() mutable {
         const std::string folder = VLCaptureSetting::sharedInstance().lastSavePath();
         const std::string name = fileName(delivery, isHighResolution, folder);
-        MainQueue::post([delivery, name, folder] { openSavePanel(delivery, name, folder); });
+        MainQueue::post([delivery = std::move(delivery), name, folder] {
+            openSavePanel(delivery, name, folder);
+        });
     });
 }

@@ -89,7 +89,7 @@ std::shared_ptr<MosaicPicture> MosaicPicture::create(const QImage& image) {
 
 void MosaicPicture::prepare() {
     try {
-        DispatchQueue::global().async([self = shared_from_this()] { self->blocks(); });
+        DispatchQueue::inBackground([self = shared_from_this()] { self->blocks(); });
     } catch (const std::system_error&) {
         // Without a thread, the first stroke works them out.
     }

@@ -9,8 +9,10 @@
 #include <asio/thread_pool.hpp>
 #include <mutex>
 #include <optional>
+#include <system_error>
 #include <thread>
 #include <utility>
+#include <vector>
 
 #include "platform/base/raii.h"
 
@@ -43,12 +45,24 @@ struct DispatchQueue::State {
     unsigned threads;
     std::mutex mutex;
     std::optional<asio::thread_pool> pool;
+    std::vector<std::jthread> workers;  ///< joined before the pool goes
 
     asio::thread_pool& runningPool() {
         const std::lock_guard lock(mutex);
         if (pool) return *pool;
         const SignalsBlocked guard;
-        return pool.emplace(threads);
+        // With threads of its own, the pool would wait for ever for the first of them where another
+        // cannot be started.
+        workers.reserve(threads);
+        pool.emplace(0);
+        try {
+            while (workers.size() < threads) workers.emplace_back([this] { pool->attach(); });
+        } catch (const std::system_error&) {
+            if (!workers.empty()) return *pool;
+            pool.reset();
+            throw;
+        }
+        return *pool;
     }
 };
 
@@ -68,6 +82,14 @@ DispatchQueue& DispatchQueue::global() {
     static NoDestructor<DispatchQueue> instance("vorla-global",
                                                 std::max(2U, std::thread::hardware_concurrency()));
     return *instance;
+}
+
+void DispatchQueue::inBackground(const Task& task) {
+    try {
+        global().async(task);
+    } catch (const std::system_error&) {
+        task();
+    }
 }
 
 void DispatchQueue::async(Task task) {

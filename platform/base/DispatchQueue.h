@@ -27,7 +27,11 @@ class DispatchQueue {
     /// The process-wide concurrent queue, with a thread for each processor, two at least.
     static DispatchQueue& global();
 
-    /// Throws std::system_error when the queue's first thread cannot be started.
+    /// Runs a task on the global queue, or in this call where no thread is to be had.
+    static void inBackground(const Task& task);
+
+    /// Throws std::system_error when the queue's first thread cannot be started; it makes do with
+    /// fewer than it should have.
     void async(Task task);
     /// The same once the delay is over. Time that the machine sleeps does not count.
     void asyncAfter(std::chrono::milliseconds delay, Task task);

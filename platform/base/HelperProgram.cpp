@@ -22,6 +22,11 @@ int startHelper(const std::string& program, const std::vector<std::string>& argu
     for (int place = 0; place <= STDERR_FILENO; ++place) {
         if (wanted[place] < 0) continue;
         kept.emplace_back(::fcntl(wanted[place], F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+        if (!kept.back()) {
+            const int error = errno;
+            posix_spawn_file_actions_destroy(&files);
+            return error;
+        }
         posix_spawn_file_actions_adddup2(&files, kept.back().get(), place);
     }
     for (int place = 0; place <= STDERR_FILENO; ++place)

@@ -57,7 +57,7 @@ void startKeeper(const QByteArray& png, xcb_window_t owner, const char* when) {
         return;
     }
     // It goes to the background by itself; what was started ends at once.
-    DispatchQueue::global().async([child] {
+    DispatchQueue::inBackground([child] {
         while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) continue;
     });
 }

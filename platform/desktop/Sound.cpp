@@ -10,7 +10,7 @@ namespace vorla {
 void playSoundFile(const std::string& path, const std::string& name) {
     if (path.empty()) return;
     // Connecting to a sound server can take long, also when there is none.
-    DispatchQueue::global().async([path, name] {
+    DispatchQueue::inBackground([path, name] {
         auto* play = moduleFunction<PlaySound>("sound", "vorlaPlaySound");
         if (play) play(path.c_str(), name.c_str(), HostIdentity::displayName().c_str());
     });
