@@ -127,15 +127,18 @@ class Keeper {
     void answer(const xcb_selection_request_event_t& request) {
         // Clients of old leave the property to the owner's choice.
         const xcb_atom_t property = request.property ? request.property : request.target;
-        xcb_selection_notify_event_t notice = {};
+        // Every event has 32 bytes on the wire, and all are read from here.
+        union {
+            char bytes[32] = {};
+            xcb_selection_notify_event_t notice;
+        };
         notice.response_type = XCB_SELECTION_NOTIFY;
         notice.time = request.time;
         notice.requestor = request.requestor;
         notice.selection = request.selection;
         notice.target = request.target;
         notice.property = store(request.requestor, property, request.target) ? property : XCB_NONE;
-        xcb_send_event(connection_, 0, request.requestor, XCB_EVENT_MASK_NO_EVENT,
-                       reinterpret_cast<const char*>(&notice));
+        xcb_send_event(connection_, 0, request.requestor, XCB_EVENT_MASK_NO_EVENT, bytes);
         xcb_flush(connection_);
     }
 
