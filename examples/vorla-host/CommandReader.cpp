@@ -1,6 +1,7 @@
 #include "CommandReader.h"
 
 #include <unistd.h>
+#include <cerrno>
 
 CommandReader::CommandReader(std::function<void(const QByteArray& line)> obey)
     : obey_(std::move(obey)), notifier_(STDIN_FILENO, QSocketNotifier::Read) {
@@ -10,6 +11,7 @@ CommandReader::CommandReader(std::function<void(const QByteArray& line)> obey)
 void CommandReader::read() {
     char buffer[256];
     const ssize_t got = ::read(STDIN_FILENO, buffer, sizeof buffer);
+    if (got < 0 && (errno == EINTR || errno == EAGAIN)) return;
     if (got <= 0) {
         notifier_.setEnabled(false);
         obey_("quit");

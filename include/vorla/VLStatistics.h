@@ -4,7 +4,8 @@
 
 /// @file
 /// Usage statistics: counters by event number, kept in a file and sent once per process where the
-/// information dictionary names an address (VLInfo.h). Any thread; nothing here waits or throws.
+/// information dictionary names an address (VLInfo.h). An event rewrites the file, which is small.
+/// Any thread; nothing here throws, or waits for the network.
 
 /// The events that the framework counts, and the facts that go out with the counters. The numbers
 /// are stored and sent: never renumber. docs/statistics.md lists when each of them is counted.
