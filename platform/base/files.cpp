@@ -11,6 +11,7 @@
 #include <cctype>
 #include <cerrno>
 #include <chrono>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -74,11 +75,14 @@ std::string userDirectory(const std::string& key, const char* fallback) {
 /// be neither asked for nor set safely while other threads run.
 UniqueFd createTemporary(const std::string& path, mode_t mode, std::string& name) {
     constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyz0123456789";
+    // A name as long as names may be has no room for more: its beginning must do.
+    constexpr size_t longestBeginning = NAME_MAX - 7;
+    const std::string beginning = path.substr(0, path.rfind('/') + 1 + longestBeginning) + ".";
     for (int attempt = 0; attempt < 100; ++attempt) {
         std::array<unsigned char, 6> random = {};
         if (::getrandom(random.data(), random.size(), 0) != static_cast<ssize_t>(random.size()))
             return UniqueFd();
-        name = path + ".";
+        name = beginning;
         for (const unsigned char byte : random) name += letters[byte % letters.size()];
         UniqueFd fd(::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
         if (fd || errno != EEXIST) return fd;

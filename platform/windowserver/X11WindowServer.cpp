@@ -63,18 +63,24 @@ class X11WindowServer::Call {
 };
 
 void X11WindowServer::displaysMayHaveChanged() {
+    if (!displaysHaveChanged()) return;
+    // At the very end: who hears of it may put another server in the place of this one.
+    if (const auto tell = onDisplaysChanged) tell();
+}
+
+bool X11WindowServer::displaysHaveChanged() {
     const Call call(*this);
     constexpr int mostChecks = 20;
     // The toolkit hears of a change through a connection of its own, which may be later.
     if (!displays_.toolkitAgrees() && ++checks_ < mostChecks) {
         events_.askAgain();
-        return;
+        return false;
     }
     checks_ = 0;
     std::vector<Display> now = readDisplays();
-    if (now == told_ || !connection_->isAlive()) return;
+    if (now == told_ || !connection_->isAlive()) return false;
     told_ = std::move(now);
-    if (onDisplaysChanged) onDisplaysChanged();
+    return true;
 }
 
 VLCaptureError X11WindowServer::obstacle() {

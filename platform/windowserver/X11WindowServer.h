@@ -50,6 +50,7 @@ class X11WindowServer : public WindowServer {
     /// Of a whole display, or of a rectangle of it as `imageOfDisplay` has it.
     ArrivingImage grab(uint32_t displayID, const std::optional<VLRect>& part);
     void displaysMayHaveChanged();
+    bool displaysHaveChanged();
     /// The window as the list that was read last has it.
     [[nodiscard]] std::optional<X11Window> listed(uint32_t number) const;
 

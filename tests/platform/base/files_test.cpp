@@ -41,6 +41,7 @@ TEST_F(Files, WrittenBytesComeBackWithTheModeAskedFor) {
     ASSERT_TRUE(writeFileAtomically(folder_ / "f", ""));
     EXPECT_EQ(readFile(folder_ / "f"), "");
     EXPECT_EQ(entries(), 1);
+    EXPECT_TRUE(writeFileAtomically(folder_ / std::string(255, 'n'), "x"));
 }
 
 TEST_F(Files, AFailedWriteLeavesNothingBehind) {
