@@ -27,8 +27,8 @@ class VLCaptureSizeInfoSubView : public VLView {
 /// The label above the selection that shows its size in points. Main thread.
 class VLCaptureSizeInfoView : public VLView {
  public:
-    /// `screenFrame` is the surface's frame. A label above a selection that reaches the screen's top
-    /// moves down into it.
+    /// `screenFrame` is the surface's frame. A label above a selection that reaches the screen's
+    /// top moves down into it.
     explicit VLCaptureSizeInfoView(const VLRect& screenFrame, QWidget* superview = nullptr);
 
     /// Shows the size and follows the rectangle; the zero rectangle hides the label.
