@@ -243,6 +243,7 @@ void X11WindowServer::prepare() {
             static_cast<void>(bytes[at]);
     }
     pictures_.prepare();
+    finish([] { return false; });
 }
 
 }  // namespace vorla
