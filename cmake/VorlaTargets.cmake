@@ -107,5 +107,5 @@ function(vorla_add_test name)
     set(ARG_TIMEOUT 300)
   endif()
   set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT}
-    ENVIRONMENT "XDG_CONFIG_HOME=${PROJECT_BINARY_DIR}/test-home/${name}/config;XDG_DATA_HOME=${PROJECT_BINARY_DIR}/test-home/${name}/data;QT_QPA_PLATFORM=$<IF:$<BOOL:${ARG_DISPLAY}>,xcb,offscreen>;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0;TSAN_OPTIONS=die_after_fork=0;UBSAN_OPTIONS=print_stacktrace=1")
+    ENVIRONMENT "XDG_CONFIG_HOME=${PROJECT_BINARY_DIR}/test-home/${name}/config;XDG_DATA_HOME=${PROJECT_BINARY_DIR}/test-home/${name}/data;QT_QPA_PLATFORM=$<IF:$<BOOL:${ARG_DISPLAY}>,xcb,offscreen>;LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0;TSAN_OPTIONS=die_after_fork=0:suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp;UBSAN_OPTIONS=print_stacktrace=1")
 endfunction()
