@@ -2,8 +2,8 @@
 
 #include <map>
 
+#include "crash/archive/StoreFolder.h"
 #include "crash/facts/CvrKeyStore.h"
-#include "crash/store/StoreFolder.h"
 
 /// The key store where the desktop has none: a file that only the user can read.
 class CvrFileKeyStore final : public CvrKeyStore {

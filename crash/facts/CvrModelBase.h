@@ -10,7 +10,7 @@
 #include <string>
 #include <variant>
 
-#include "crash/store/StoreFolder.h"
+#include "crash/archive/StoreFolder.h"
 
 /// The present time in ms since 1970.
 using CvrClock = std::function<int64_t()>;

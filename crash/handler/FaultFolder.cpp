@@ -12,9 +12,9 @@
 #include <algorithm>
 #include <ctime>
 
+#include "crash/archive/StoreFolder.h"
 #include "crash/handler/TextBuffer.h"
 #include "crash/handler/ThreadStopper.h"
-#include "crash/store/StoreFolder.h"
 
 namespace vorla::crash {
 namespace {

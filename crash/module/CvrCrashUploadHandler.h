@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "crash/CvrCrashListener.h"
-#include "crash/store/StoreFolder.h"
+#include "crash/archive/StoreFolder.h"
 #include "crash/upload/CvrNetRequest.h"
 #include "crash/upload/CvrUploadPackages.h"
 

@@ -4,7 +4,7 @@
 #include <mutex>
 #include <string>
 
-#include "crash/store/StoreFolder.h"
+#include "crash/archive/StoreFolder.h"
 #include "crash/upload/CvrNetRequest.h"
 #include "crash/upload/CvrUploadPackages.h"
 

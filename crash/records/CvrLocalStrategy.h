@@ -4,7 +4,7 @@
 #include <span>
 
 #include "crash/CvrLocalObject.h"
-#include "crash/upload/CvrTransferProtocols.h"
+#include "crash/records/CvrTransferProtocols.h"
 
 /// What the server wants of the crash reporter on this machine.
 class CvrLocalStrategy : public CvrArchivedObject<CvrLocalStrategy>,

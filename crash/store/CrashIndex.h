@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
+#include "crash/archive/StoreFolder.h"
 #include "crash/records/CvrCrashMetaData.h"
 #include "crash/records/CvrExpObj.h"
-#include "crash/store/StoreFolder.h"
 
 namespace vorla {
 

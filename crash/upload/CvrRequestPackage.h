@@ -5,8 +5,8 @@
 #include <string>
 
 #include "crash/facts/CvrModelBase.h"
+#include "crash/records/CvrTransferProtocols.h"
 #include "crash/records/CvrWire.h"
-#include "crash/upload/CvrTransferProtocols.h"
 
 /// What a request asks for. Sent: never renumber.
 enum CvrCommand : int32_t {

@@ -6,7 +6,7 @@
 
 #include "crash/records/CvrExpObj.h"
 #include "crash/records/CvrSummaryInfo.h"
-#include "crash/upload/CvrTransferProtocols.h"
+#include "crash/records/CvrTransferProtocols.h"
 
 /// The body of a request with user records.
 class CvrUserInfoPackage final : public CvrObjTransToPakBufferProtocol {

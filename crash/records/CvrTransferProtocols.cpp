@@ -1,4 +1,4 @@
-#include "crash/upload/CvrTransferProtocols.h"
+#include "crash/records/CvrTransferProtocols.h"
 
 #include "platform/base/raii.h"
 

@@ -1,4 +1,4 @@
-#include "crash/store/StoreFolder.h"
+#include "crash/archive/StoreFolder.h"
 
 #include <dirent.h>
 #include <fcntl.h>
