@@ -98,6 +98,11 @@ void VLLayoutManager::setFont(const QFont& font) {
     updateLayout();
 }
 
+bool VLLayoutManager::mayHavePictures(const QString& more) const {
+    return !more.isEmpty() &&
+           (hasHadPictures_ || std::any_of(more.begin(), more.end(), mayBePicture));
+}
+
 /// Joins the user's last step, so that undoing it takes this along.
 void VLLayoutManager::chooseGlyphDrawing() {
     const QString text = document_.toRawText();

@@ -49,6 +49,8 @@ class VLLayoutManager {
     void drawDocument(QPainter& painter, const QColor& color, const QRectF& dirtyRect,
                       const QTextCursor& selection = {}) const;
 
+    /// Whether the text, with `more` typed into it, may hold characters that are drawn as pictures.
+    [[nodiscard]] bool mayHavePictures(const QString& more) const;
     [[nodiscard]] QTextDocument& document() { return document_; }
 
  private:

@@ -139,9 +139,23 @@ void VLSelectedTextView::keyPressEvent(QKeyEvent* event) {
     // What was not typed here is the canvas's to undo.
     if ((undo && !document()->isUndoAvailable()) || (redo && !document()->isRedoAvailable()))
         event->ignore();
+    else if (!undo && !redo && layoutManager_->mayHavePictures(event->text()))
+        asOneStep([&] { QTextEdit::keyPressEvent(event); });
     else
         QTextEdit::keyPressEvent(event);
     restartCaret();
+}
+
+void VLSelectedTextView::insertFromMimeData(const QMimeData* source) {
+    asOneStep([&] { QTextEdit::insertFromMimeData(source); });
+}
+
+/// Only to such a step can the choice of glyphs be joined that follows it.
+void VLSelectedTextView::asOneStep(const std::function<void()>& change) {
+    QTextCursor step(document());
+    step.beginEditBlock();
+    change();
+    step.endEditBlock();
 }
 
 void VLSelectedTextView::inputMethodEvent(QInputMethodEvent* event) {

@@ -38,6 +38,7 @@ class VLSelectedTextView : public QTextEdit {
  protected:
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void insertFromMimeData(const QMimeData* source) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
@@ -50,6 +51,7 @@ class VLSelectedTextView : public QTextEdit {
     [[nodiscard]] QRectF caretRect() const;
     void restartCaret();
     void selectionDidChange();
+    void asOneStep(const std::function<void()>& change);
 
     std::shared_ptr<VLLayoutManager> layoutManager_;
     VLView& superview_;

@@ -206,6 +206,27 @@ TEST_P(TextItem, TakesCompositions) {
     EXPECT_EQ(item.contentString(), QString::fromUtf8("a你好世"));
 }
 
+/// Whatever fonts there are: what was typed or pasted goes, and comes, by one step each.
+TEST_P(TextItem, UndoesPicturesWithWhatBroughtThem) {
+    auto& item = make(16, "x");
+    item.setEditType(VLEditTypeEdit);
+    const QString fox = QString::fromUtf8("\U0001F98A");
+    QGuiApplication::clipboard()->setText(fox + fox);
+    key(Qt::Key_V, Qt::ControlModifier);
+    QKeyEvent typed(QEvent::KeyPress, 0, Qt::NoModifier, fox);
+    QCoreApplication::sendEvent(item.textView(), &typed);
+    type("a");
+    EXPECT_EQ(item.contentString().size(), 8);
+    for (const int left : {7, 5, 1}) {
+        key(Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_EQ(item.contentString().size(), left);
+    }
+    for (const int grown : {5, 7, 8}) {
+        key(Qt::Key_Y, Qt::ControlModifier);
+        EXPECT_EQ(item.contentString().size(), grown);
+    }
+}
+
 TEST_P(TextItem, IsChangedByPrograms) {
     auto& item = make(16, "one two");
     item.insertText("not while at rest");
