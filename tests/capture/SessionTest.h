@@ -53,7 +53,7 @@ class Session : public testing::Test {
         VLCaptureSetting::sharedInstance().setPlaySound(false);
     }
     ~Session() override {
-        VLCancelCapture();
+        VLCaptureManager::sharedInstance()->cancelCapture();  // drops an idle one too
         vorla::test::runPending();
         vorla::setStatisticReceiver({});
         vorla::WindowServer::setShared(nullptr);
