@@ -112,12 +112,13 @@ VLCaptureError VLLastCaptureError() {
 }
 
 bool VLIsCapturing() {
-    return VLCaptureManager::isAnyCapturing();
+    return vorla::captureObstacle() == VLCaptureErrorNone
+               ? VLCaptureManager::sharedInstance()->isCapturing()
+               : VLCaptureManager::isAnyCapturing();
 }
 
 bool VLCancelCapture() {
-    // A manager that is made here would start the services.
-    if (vorla::captureRefusal(__func__) == VLCaptureErrorNone && VLCaptureManager::isAnyCapturing())
+    if (vorla::captureRefusal(__func__) == VLCaptureErrorNone)
         VLCaptureManager::sharedInstance()->cancelCapture();
     return true;
 }

@@ -64,11 +64,12 @@ VL_EXPORT VLCaptureOutcome VLRunCapture(const std::shared_ptr<VLCaptureRequest>&
 VL_EXPORT VLCaptureError VLLastCaptureError();
 
 /// Whether a capture runs: true from `VLStartCapture` until just before the outcome is reported.
-/// Any thread.
+/// Any thread; asked on the one that captures, it starts crash reporting and statistics as
+/// `VLPrepareCapture` does.
 VL_EXPORT bool VLIsCapturing();
 
-/// Ends a running capture at once. The delegate hears nothing, since the host itself asked. Does
-/// nothing when none runs. Always true.
+/// Ends a running capture at once. The delegate hears nothing, since the host itself asked. Where
+/// none runs it does no more than `VLIsCapturing`. Always true.
 VL_EXPORT bool VLCancelCapture();
 
 /// Sets who hears, on the main thread, that all panels of a capture are up and painted, with the

@@ -53,7 +53,7 @@ class Session : public testing::Test {
         VLCaptureSetting::sharedInstance().setPlaySound(false);
     }
     ~Session() override {
-        VLCaptureManager::sharedInstance()->cancelCapture();  // drops an idle one too
+        VLCancelCapture();
         vorla::test::runPending();
         vorla::setStatisticReceiver({});
         vorla::WindowServer::setShared(nullptr);
