@@ -76,14 +76,8 @@ void VLCaptureMagnifierView::setMouseLocation(VLPoint location) {
     // The pointer is in the middle of a pixel; the view is sharp, and fast, on whole ones.
     const VLPoint origin = adjustFrameOriginByMouseLocation(location);
     const double scale = backingScale();
-    const VLRect before = frame();
     setFrameOrigin({std::floor(origin.x * scale) / scale, std::floor(origin.y * scale) / scale});
     setNeedsDisplay();
-    // One piece costs less, here and in the server, than the three that two places make which
-    // overlap.
-    const VLRect both = before.united(frame());
-    if (superview() && isVisible() && both.width * both.height < 2.0 * before.width * before.height)
-        superview()->setNeedsDisplayInRect(both);
 }
 
 void VLCaptureMagnifierView::updateImageOrigin(VLPoint location) {
