@@ -1,8 +1,10 @@
 // Embedding without a toolkit: a host on the GLib main loop captures once. The framework makes the
 // application object that it needs, and GLib drives it.
 
+#include <glib-unix.h>
 #include <glib.h>
 
+#include <csignal>
 #include <cstdio>
 #include <memory>
 
@@ -30,11 +32,18 @@ class Receiver : public VLCaptureRequestDelegate {
     GMainLoop* loop_;
 };
 
+/// A capture may still run when the program ends.
+gboolean quit(gpointer loop) {
+    g_main_loop_quit(static_cast<GMainLoop*>(loop));
+    return G_SOURCE_REMOVE;
+}
+
 }  // namespace
 
 int main() {
     const std::unique_ptr<GMainLoop, decltype(&g_main_loop_unref)> loop(
         g_main_loop_new(nullptr, FALSE), &g_main_loop_unref);
+    g_unix_signal_add(SIGTERM, quit, loop.get());
     const auto receiver = std::make_shared<Receiver>(loop.get());
     const auto request = std::make_shared<VLCaptureRequest>();
     request->setDelegate(receiver);

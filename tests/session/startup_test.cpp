@@ -61,6 +61,18 @@ TEST_F(Startup, AHostOnAnotherMainLoopOrOnNoneNeedsNoApplicationObject) {
     }
 }
 
+TEST_F(Startup, AProgramMayEndWhileItsCaptureRuns) {
+    openWallpaper();
+    const QImage screen = stillScreen();
+    const xcb_window_t focus = driver->focus();
+    TestProgram program({builtProgram("vorla-snippet-glib-host")}, "/usr/bin/env");
+    ASSERT_TRUE(eventually(
+        [&] { return driver->focus() != focus && !samePixels(stillScreen(), screen); }, 20000));
+    program.kill(SIGTERM);
+    EXPECT_EQ(program.waitForExit(10000), 0);
+    EXPECT_TRUE(comesToShow(screen, screen.rect()));
+}
+
 TEST_F(Startup, WithoutADisplayAnotherMainLoopGoesOnToo) {
     TestProgram program({"DISPLAY=:4711", builtProgram("vorla-snippet-glib-host")}, "/usr/bin/env");
     EXPECT_TRUE(program.waitForLine("refused", nullptr, 20000));
