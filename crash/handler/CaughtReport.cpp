@@ -4,6 +4,7 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <ctime>
 #include <mutex>
 
@@ -19,7 +20,7 @@ constexpr size_t arenaSize = size_t{24} << 20;
 constexpr size_t largestStack = size_t{256} << 10;
 
 struct Reporting {
-    std::mutex mutex;
+    std::timed_mutex mutex;
     Arena arena;
     /// The thread that reports at present.
     std::atomic<pid_t> reporter{0};
@@ -35,19 +36,25 @@ struct StateInUse {
     StateInUse& operator=(const StateInUse&) = delete;
 };
 
-/// One report at a time.
+/// One report at a time. Not waited for without end: the host's function, which runs in the midst
+/// of a report, may itself wait for a thread that has an error to report.
 class Turn {
  public:
-    explicit Turn(Reporting& state) : state_(state), lock_(state.mutex) {
-        state_.reporter = ::gettid();
+    explicit Turn(Reporting& state) : state_(state), lock_(state.mutex, longestWait) {
+        if (lock_) state_.reporter = ::gettid();
     }
-    ~Turn() { state_.reporter = 0; }
+    ~Turn() {
+        if (lock_) state_.reporter = 0;
+    }
     Turn(const Turn&) = delete;
     Turn& operator=(const Turn&) = delete;
+    explicit operator bool() const { return lock_.owns_lock(); }
 
  private:
+    static constexpr std::chrono::seconds longestWait{2};
+
     Reporting& state_;
-    const std::lock_guard<std::mutex> lock_;
+    const std::unique_lock<std::timed_mutex> lock_;
 };
 
 Reporting& reporting() {
@@ -75,6 +82,7 @@ bool reportCaught(const CaughtFacts& caught) {
     Reporting& state = reporting();
     if (state.reporter == ::gettid()) return false;
     const Turn turn(state);
+    if (!turn) return false;
     const StateInUse inUse;
     const CvrPreparedCrash* const prepared = sessionState().prepared.get();
     if (!prepared || !state.arena.reserve(arenaSize)) return false;

@@ -17,7 +17,8 @@ struct CaughtFacts {
 
 /// Stores a record of the error in the way of a crash. Ordinary code, one at a time. Threads are
 /// held still only while the signal handlers are in place, which guard the walk of their stacks.
-/// False, with nothing stored, for an error that is reported by who hears of another one.
+/// False, with nothing stored, for an error that is reported by who hears of another one, and after
+/// two seconds of waiting for another report.
 bool reportCaught(const CaughtFacts& facts);
 
 /// The latest caught error; empty texts before the first one.

@@ -33,15 +33,14 @@ class ChildProcess {
     }
     /// The same; killed when it has not ended in time.
     int wait(int milliseconds) {
-        siginfo_t facts = {};
-        const auto hasEnded = [&] {
-            const auto id = static_cast<id_t>(pid_);
-            return ::waitid(P_PID, id, &facts, WEXITED | WNOHANG | WNOWAIT) != 0 ||
-                   facts.si_pid == pid_;
-        };
-        if (pid_ > 0 && eventually(hasEnded, milliseconds)) return wait();
+        if (pid_ > 0 && eventually([this] { return hasEnded(); }, milliseconds)) return wait();
         terminate();
         return notEnded;
+    }
+    [[nodiscard]] bool hasEnded() const {
+        siginfo_t facts = {};
+        return ::waitid(P_PID, static_cast<id_t>(pid_), &facts, WEXITED | WNOHANG | WNOWAIT) != 0 ||
+               facts.si_pid == pid_;
     }
     void kill(int signal) const {
         if (pid_ > 0) ::kill(pid_, signal);
