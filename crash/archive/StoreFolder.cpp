@@ -40,16 +40,6 @@ bool isAcceptable(int fd, StoreFolder::Origin origin) {
     return (facts.st_mode & 0022) == 0 || refuse(EPERM);
 }
 
-bool writeAll(int fd, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(fd, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return false;
-        bytes.remove_prefix(static_cast<size_t>(written));
-    }
-    return true;
-}
-
 std::string unfinishedName() {
     static std::atomic<unsigned> count = 0;
     return StoreFolder::unfinishedPrefix + std::to_string(::getpid()) + "-" +

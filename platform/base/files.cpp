@@ -21,7 +21,6 @@
 #include "platform/base/raii.h"
 
 namespace vorla {
-namespace {
 
 bool writeAll(int fd, std::string_view bytes) {
     while (!bytes.empty()) {
@@ -32,6 +31,8 @@ bool writeAll(int fd, std::string_view bytes) {
     }
     return true;
 }
+
+namespace {
 
 std::string homeOfAccount() {
     passwd account = {};

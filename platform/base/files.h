@@ -22,6 +22,10 @@ struct ReadLimits {
 /// file.
 std::optional<std::string> readFile(const std::string& path, const ReadLimits& limits = {});
 
+/// Writes all of the bytes, whatever signals interrupt it. False, with errno set, when they do not
+/// all fit.
+bool writeAll(int fd, std::string_view bytes);
+
 /// Replaces a file so that a reader, or the next start after a crash, sees the old bytes or the new
 /// ones and never a mixture: writes a temporary neighbour, then renames it. `mode` is the new
 /// file's permission, less what the umask takes. On failure returns false with errno set; the old
